@@ -1,0 +1,337 @@
+#include "drawings/DxfTags.h"
+
+#include <charconv>
+#include <cmath>
+#include <cstring>
+
+DxfType dxfTypeOf(int code) {
+  if (code >= 0 && code <= 9) return code == 5 ? DxfType::Handle : DxfType::String;
+  if (code >= 10 && code <= 59) return DxfType::Double;
+  if (code >= 60 && code <= 79) return DxfType::Int16;
+  if (code >= 90 && code <= 99) return DxfType::Int32;
+  if (code == 105) return DxfType::Handle;
+  if (code >= 100 && code <= 109) return DxfType::String;
+  if (code >= 110 && code <= 149) return DxfType::Double;
+  if (code >= 160 && code <= 169) return DxfType::Int64;
+  if (code >= 170 && code <= 179) return DxfType::Int16;
+  if (code >= 210 && code <= 239) return DxfType::Double;
+  if (code >= 270 && code <= 289) return DxfType::Int16;
+  if (code >= 290 && code <= 299) return DxfType::Bool;
+  if (code >= 300 && code <= 309) return DxfType::String;
+  if (code >= 310 && code <= 319) return DxfType::Binary;
+  if (code >= 320 && code <= 369) return DxfType::Handle;
+  if (code >= 370 && code <= 389) return DxfType::Int16;
+  if (code >= 390 && code <= 399) return DxfType::Handle;
+  if (code >= 400 && code <= 409) return DxfType::Int16;
+  if (code >= 410 && code <= 419) return DxfType::String;
+  if (code >= 420 && code <= 429) return DxfType::Int32;
+  if (code >= 430 && code <= 439) return DxfType::String;
+  if (code >= 440 && code <= 459) return DxfType::Int32;
+  if (code >= 460 && code <= 469) return DxfType::Double;
+  if (code >= 470 && code <= 479) return DxfType::String;
+  if (code >= 480 && code <= 481) return DxfType::Handle;
+  if (code == 999) return DxfType::String;
+  if (code == 1004) return DxfType::Binary;
+  if (code == 1005) return DxfType::Handle;
+  if (code >= 1000 && code <= 1009) return DxfType::String;
+  if (code >= 1010 && code <= 1059) return DxfType::Double;
+  if (code >= 1060 && code <= 1070) return DxfType::Int16;
+  if (code == 1071) return DxfType::Int32;
+  return DxfType::String;  // codes outside the documented ranges are kept as text
+}
+
+bool isHandleCode(int code) { return dxfTypeOf(code) == DxfType::Handle; }
+
+static std::string_view trimmed(std::string_view s) {
+  while (!s.empty() && (s.front() == ' ' || s.front() == '\t')) s.remove_prefix(1);
+  while (!s.empty() && (s.back() == ' ' || s.back() == '\t' || s.back() == '\r')) s.remove_suffix(1);
+  return s;
+}
+
+static bool parseDouble(std::string_view s, double& v) {
+  s = trimmed(s);
+  if (!s.empty() && s.front() == '+') s.remove_prefix(1);
+  if (s.empty()) return false;
+  auto r = std::from_chars(s.data(), s.data() + s.size(), v);
+  return r.ec == std::errc() && r.ptr == s.data() + s.size();
+}
+
+static bool parseInt(std::string_view s, int64_t& v) {
+  s = trimmed(s);
+  if (!s.empty() && s.front() == '+') s.remove_prefix(1);
+  if (s.empty()) return false;
+  auto r = std::from_chars(s.data(), s.data() + s.size(), v);
+  if (r.ec == std::errc() && r.ptr == s.data() + s.size()) return true;
+  // Some writers put a decimal value into an integer code ("1.0"); it is readable.
+  double d;
+  if (parseDouble(s, d) && std::floor(d) == d && std::fabs(d) < 9.2e18) {
+    v = static_cast<int64_t>(d);
+    return true;
+  }
+  return false;
+}
+
+static bool parseHex(std::string_view s, uint64_t& v) {
+  s = trimmed(s);
+  if (s.empty() || s.size() > 16) return false;
+  auto r = std::from_chars(s.data(), s.data() + s.size(), v, 16);
+  return r.ec == std::errc() && r.ptr == s.data() + s.size();
+}
+
+const char* dxfCheckAsciiValue(int code, std::string_view value) {
+  double d;
+  int64_t i;
+  switch (dxfTypeOf(code)) {
+    case DxfType::Double:
+      return parseDouble(value, d) ? nullptr : "a floating point number";
+    case DxfType::Int16:
+    case DxfType::Int32:
+    case DxfType::Int64:
+    case DxfType::Bool:
+      return parseInt(value, i) ? nullptr : "an integer";
+    case DxfType::Binary: {
+      std::string_view s = trimmed(value);
+      if (s.size() % 2) return "hexadecimal bytes";
+      for (char c : s)
+        if (!std::isxdigit(static_cast<unsigned char>(c))) return "hexadecimal bytes";
+      return nullptr;
+    }
+    default:
+      return nullptr;  // handles are kept as text: some writers use odd spellings
+  }
+}
+
+DxfTagScanner::DxfTagScanner(std::string_view data, DxfFormat format, bool shortCodes, size_t start,
+                             uint32_t firstLine)
+    : m_data(data), m_format(format), m_shortCodes(shortCodes), m_pos(start), m_line(firstLine) {}
+
+void DxfTagScanner::fail(uint32_t where, int code, const std::string& expected) const {
+  std::string msg = m_format == DxfFormat::Ascii ? "line " + std::to_string(where) : "byte offset " + std::to_string(where);
+  if (code != INT32_MIN) msg += ", group code " + std::to_string(code);
+  msg += ": expected " + expected;
+  throw DxfSyntaxError{msg};
+}
+
+bool DxfTagScanner::next(DxfRawTag& tag) {
+  return m_format == DxfFormat::Ascii ? nextAscii(tag) : nextBinary(tag);
+}
+
+bool DxfTagScanner::nextAscii(DxfRawTag& tag) {
+  const size_t n = m_data.size();
+  if (m_pos >= n) return false;
+  const size_t start = m_pos;
+  const char* base = m_data.data();
+  const void* nl = std::memchr(base + m_pos, '\n', n - m_pos);
+  if (!nl) fail(m_line, INT32_MIN, "a group code line ended by a line break");
+  size_t codeEnd = static_cast<size_t>(static_cast<const char*>(nl) - base);
+  std::string_view codeText = trimmed(m_data.substr(m_pos, codeEnd - m_pos));
+  int code = 0;
+  auto r = std::from_chars(codeText.data(), codeText.data() + codeText.size(), code);
+  if (codeText.empty() || r.ec != std::errc() || r.ptr != codeText.data() + codeText.size())
+    fail(m_line, INT32_MIN, "a group code (an integer), found \"" + std::string(codeText.substr(0, 40)) + "\"");
+  if (code < 0 || code > 1071) fail(m_line, code, "a group code between 0 and 1071");
+  size_t vStart = codeEnd + 1;
+  if (vStart >= n) fail(m_line + 1, code, "a value line");
+  nl = std::memchr(base + vStart, '\n', n - vStart);
+  size_t vEnd = nl ? static_cast<size_t>(static_cast<const char*>(nl) - base) : n;
+  if (!nl && code != 0) fail(m_line + 1, code, "a value line ended by a line break");
+  std::string_view value = m_data.substr(vStart, vEnd - vStart);
+  if (!value.empty() && value.back() == '\r') value.remove_suffix(1);
+  if (const char* expected = dxfCheckAsciiValue(code, value))
+    fail(m_line + 1, code, std::string(expected) + ", found \"" + std::string(value.substr(0, 40)) + "\"");
+  m_pos = nl ? vEnd + 1 : n;
+  tag.code = code;
+  tag.raw = m_data.substr(start, m_pos - start);
+  tag.value = value;
+  tag.line = m_line;
+  m_line += 2;
+  return true;
+}
+
+bool DxfTagScanner::nextBinary(DxfRawTag& tag) {
+  const size_t n = m_data.size();
+  if (m_pos >= n) return false;
+  const size_t start = m_pos;
+  const auto* p = reinterpret_cast<const unsigned char*>(m_data.data());
+  int code;
+  if (m_shortCodes) {
+    code = p[m_pos++];
+    if (code == 255) {
+      if (m_pos + 2 > n) fail(static_cast<uint32_t>(start), INT32_MIN, "a two-byte group code after 255");
+      code = p[m_pos] | (p[m_pos + 1] << 8);
+      m_pos += 2;
+    }
+  } else {
+    if (m_pos + 2 > n) fail(static_cast<uint32_t>(start), INT32_MIN, "a two-byte group code");
+    code = p[m_pos] | (p[m_pos + 1] << 8);
+    m_pos += 2;
+  }
+  if (code > 1071) fail(static_cast<uint32_t>(start), code, "a group code between 0 and 1071");
+  size_t vStart = m_pos;
+  size_t size = 0;
+  switch (dxfTypeOf(code)) {
+    case DxfType::String:
+    case DxfType::Handle: {
+      const void* z = std::memchr(p + m_pos, 0, n - m_pos);
+      if (!z) fail(static_cast<uint32_t>(vStart), code, "a zero-terminated string");
+      size = static_cast<size_t>(static_cast<const unsigned char*>(z) - p) - m_pos;
+      m_pos += size + 1;
+      break;
+    }
+    case DxfType::Double: size = 8; break;
+    case DxfType::Int16: size = 2; break;
+    case DxfType::Int32: size = 4; break;
+    case DxfType::Int64: size = 8; break;
+    case DxfType::Bool: size = 1; break;
+    case DxfType::Binary:
+      if (m_pos >= n) fail(static_cast<uint32_t>(vStart), code, "a length byte");
+      size = p[m_pos];
+      vStart = ++m_pos;
+      break;
+  }
+  if (dxfTypeOf(code) != DxfType::String && dxfTypeOf(code) != DxfType::Handle) {
+    if (m_pos + size > n) fail(static_cast<uint32_t>(vStart), code, std::to_string(size) + " value bytes");
+    m_pos += size;
+  }
+  tag.code = code;
+  tag.raw = m_data.substr(start, m_pos - start);
+  tag.value = m_data.substr(vStart, size);
+  tag.line = static_cast<uint32_t>(start);
+  return true;
+}
+
+template <class T>
+static T readLE(std::string_view v) {
+  T x{};
+  std::memcpy(&x, v.data(), std::min(sizeof(T), v.size()));
+  return x;  // DXF binary is little-endian, as is every machine we build for
+}
+
+std::string dxfFormatDouble(double v) {
+  char buf[40];
+  auto r = std::to_chars(buf, buf + sizeof buf, v);
+  std::string s(buf, r.ptr);
+  if (std::isfinite(v) && s.find_first_of(".eE") == std::string::npos) s += ".0";
+  return s;
+}
+
+std::string dxfFormatHandle(uint64_t h) {
+  char buf[20];
+  auto r = std::to_chars(buf, buf + sizeof buf, h, 16);
+  std::string s(buf, r.ptr);
+  for (auto& c : s) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+  return s;
+}
+
+std::string dxfValueText(const DxfRawTag& t, DxfFormat format) {
+  if (format == DxfFormat::Ascii) return std::string(t.value);
+  static const char* hex = "0123456789ABCDEF";
+  switch (dxfTypeOf(t.code)) {
+    case DxfType::Double: return dxfFormatDouble(readLE<double>(t.value));
+    case DxfType::Int16: return std::to_string(readLE<int16_t>(t.value));
+    case DxfType::Int32: return std::to_string(readLE<int32_t>(t.value));
+    case DxfType::Int64: return std::to_string(readLE<int64_t>(t.value));
+    case DxfType::Bool: return std::to_string(readLE<uint8_t>(t.value));
+    case DxfType::Binary: {
+      std::string s;
+      for (unsigned char c : t.value) {
+        s += hex[c >> 4];
+        s += hex[c & 15];
+      }
+      return s;
+    }
+    default: return std::string(t.value);
+  }
+}
+
+double DxfTag::toDouble() const {
+  double d = 0;
+  return parseDouble(text, d) ? d : 0.0;
+}
+
+int64_t DxfTag::toInt() const {
+  int64_t i = 0;
+  return parseInt(text, i) ? i : 0;
+}
+
+uint64_t DxfTag::toHandle() const {
+  uint64_t h = 0;
+  return parseHex(text, h) ? h : 0;
+}
+
+static void writeCode(std::string& out, int code, const DxfStyle& st) {
+  if (st.format == DxfFormat::Binary) {
+    if (st.shortCodes) {
+      if (code >= 255) {
+        out += static_cast<char>(255);
+        out += static_cast<char>(code & 0xFF);
+        out += static_cast<char>(code >> 8);
+      } else {
+        out += static_cast<char>(code);
+      }
+    } else {
+      out += static_cast<char>(code & 0xFF);
+      out += static_cast<char>(code >> 8);
+    }
+    return;
+  }
+  char buf[12];
+  auto r = std::to_chars(buf, buf + sizeof buf, code);
+  size_t len = static_cast<size_t>(r.ptr - buf);
+  if (st.padCodes && len < 3) out.append(3 - len, ' ');
+  out.append(buf, len);
+  out += st.eol;
+}
+
+template <class T>
+static void appendLE(std::string& out, T v) {
+  char b[sizeof(T)];
+  std::memcpy(b, &v, sizeof(T));
+  out.append(b, sizeof(T));
+}
+
+static void writeValue(std::string& out, int code, std::string_view text, const DxfStyle& st) {
+  if (st.format == DxfFormat::Ascii) {
+    out += text;
+    out += st.eol;
+    return;
+  }
+  DxfTag t;
+  t.text = std::string(text);
+  switch (dxfTypeOf(code)) {
+    case DxfType::Double: appendLE(out, t.toDouble()); break;
+    case DxfType::Int16: appendLE(out, static_cast<int16_t>(t.toInt())); break;
+    case DxfType::Int32: appendLE(out, static_cast<int32_t>(t.toInt())); break;
+    case DxfType::Int64: appendLE(out, static_cast<int64_t>(t.toInt())); break;
+    case DxfType::Bool: appendLE(out, static_cast<uint8_t>(t.toInt())); break;
+    case DxfType::Binary: {
+      std::string bytes;
+      for (size_t i = 0; i + 1 < text.size(); i += 2)
+        bytes += static_cast<char>(std::stoi(std::string(text.substr(i, 2)), nullptr, 16));
+      out += static_cast<char>(bytes.size());
+      out += bytes;
+      break;
+    }
+    default:
+      out += text;
+      out += '\0';
+  }
+}
+
+void dxfWriteNewTag(std::string& out, int code, std::string_view text, const DxfStyle& style) {
+  writeCode(out, code, style);
+  writeValue(out, code, text, style);
+}
+
+void dxfWriteTag(std::string& out, const DxfTag& t, const DxfStyle& style) {
+  if (!t.raw.empty() && !t.changed) {
+    out += t.raw;
+    return;
+  }
+  if (!t.raw.empty()) {
+    out += t.raw.substr(0, t.valueOffset);  // keep the code's own spelling
+    writeValue(out, t.code, t.text, style);
+    return;
+  }
+  dxfWriteNewTag(out, t.code, t.text, style);
+}

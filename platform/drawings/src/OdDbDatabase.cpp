@@ -1,0 +1,343 @@
+#include "drawings/OdDbDatabase.h"
+
+#include <cstdio>
+#include <fstream>
+#include <sstream>
+#include <unordered_set>
+
+#include "DxfLoader.h"
+#include "DxfWriter.h"
+#include "drawings/NewDrawing.h"
+
+const OdRxClass* OdDbDatabase::desc() {
+  static const OdRxClass cls(L"OdDbDatabase", OdRxObject::desc(), L"", nullptr);
+  return &cls;
+}
+
+OdDbDatabase::OdDbDatabase() : m_codec(DxfCodec::make("", DxfVersion::R2018)) {}
+
+OdDbDatabase::~OdDbDatabase() {
+  // Objects may still be held elsewhere: cut them loose from the stubs that die with us.
+  for (auto& o : m_objects) o->attach(nullptr);
+}
+
+OdDbDatabasePtr OdDbDatabase::readDxf(std::string bytes) {
+  OdDbDatabasePtr db(new OdDbDatabase());
+  try {
+    DxfLoader(*db).load(std::make_shared<const std::string>(std::move(bytes)));
+  } catch (const DxfSyntaxError& e) {
+    throw OdError(eBadDxfFile, e.message);
+  }
+  return db;
+}
+
+OdDbDatabasePtr OdDbDatabase::readDxfFile(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  if (!in) throw OdError(eCantOpenFile, "cannot open \"" + path + "\" for reading");
+  std::string bytes;
+  in.seekg(0, std::ios::end);
+  auto size = in.tellg();
+  if (size < 0) throw OdError(eCantOpenFile, "cannot read \"" + path + "\"");
+  bytes.resize(static_cast<size_t>(size));
+  in.seekg(0);
+  in.read(bytes.data(), size);
+  if (!in) throw OdError(eCantOpenFile, "cannot read \"" + path + "\"");
+  try {
+    return readDxf(std::move(bytes));
+  } catch (const OdError& e) {
+    throw OdError(e.code(), path + ": " + e.what());
+  }
+}
+
+OdDbDatabasePtr OdDbDatabase::createNew(DxfVersion version, bool metric) {
+  return readDxf(newDrawingDxf(version, metric));
+}
+
+std::string OdDbDatabase::toDxf(const DxfSaveOptions& options, std::vector<std::string>* leftOut) const {
+  return DxfWriter(*this, options, leftOut).write();
+}
+
+void OdDbDatabase::writeDxfFile(const std::string& path, const DxfSaveOptions& options,
+                                std::vector<std::string>* leftOut) const {
+  std::string bytes = toDxf(options, leftOut);
+  std::string tmp = path + ".tmp~";
+  {
+    std::ofstream out(tmp, std::ios::binary | std::ios::trunc);
+    if (!out) throw OdError(eFileWriteError, "cannot create \"" + tmp + "\"");
+    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    out.flush();
+    if (!out) {
+      out.close();
+      std::remove(tmp.c_str());
+      throw OdError(eFileWriteError, "writing \"" + tmp + "\" failed (disk full?)");
+    }
+  }
+  if (std::rename(tmp.c_str(), path.c_str()) != 0) {
+    std::remove(tmp.c_str());
+    throw OdError(eFileWriteError, "cannot replace \"" + path + "\"");
+  }
+}
+
+OdDbObjectId OdDbDatabase::getOdDbObjectId(OdDbHandle h, bool createIfNotFound) {
+  if (h.isNull()) return OdDbObjectId();
+  auto it = m_stubs.find(h.value());
+  if (it != m_stubs.end()) return OdDbObjectId(it->second);
+  if (!createIfNotFound) return OdDbObjectId();
+  m_stubArena.push_back(OdDbStub{h, this, nullptr});
+  OdDbStub* s = &m_stubArena.back();
+  m_stubs.emplace(h.value(), s);
+  if (h.value() >= m_nextHandle) m_nextHandle = h.value() + 1;
+  return OdDbObjectId(s);
+}
+
+OdDbObjectId OdDbDatabase::getOdDbObjectId(OdDbHandle h) const {
+  auto it = m_stubs.find(h.value());
+  return it == m_stubs.end() ? OdDbObjectId() : OdDbObjectId(it->second);
+}
+
+OdDbObjectId OdDbDatabase::addOdDbObject(OdDbObject* object, OdDbObjectId ownerId, OdDbHandle handle) {
+  if (!object) throw OdError(eInvalidInput);
+  if (object->database()) throw OdError(eAlreadyInDb);
+  if (handle.isNull() || (m_stubs.count(handle.value()) && m_stubs[handle.value()]->object))
+    handle = OdDbHandle(m_nextHandle);
+  OdDbObjectId id = getOdDbObjectId(handle, true);
+  id.stub()->object = object;
+  object->attach(id.stub());
+  m_objects.emplace_back(object);
+  object->setOpenMode(OdDb::kForWrite);
+  // A new object's tags start with its name and handle; the owner follows.
+  DxfTagList& t = object->tagsForWrite();
+  if (t.empty()) {
+    std::string name(object->dxfName());
+    if (name.empty()) name = object->isA()->dxfName().toUtf8();
+    object->setDxfName(name);
+    t.emplace_back(0, name);
+  }
+  if (dxfver::hasObjects(m_version) || headerInt("$HANDLING", 1)) {
+    int hc = object->dxfName() == "DIMSTYLE" ? 105 : 5;
+    if (t.size() < 2 || (t[1].code != hc)) t.insert(t.begin() + 1, DxfTag(hc, dxfFormatHandle(handle.value())));
+    else t[1].set(dxfFormatHandle(handle.value()));
+  }
+  object->setOwnerId(ownerId);
+  if (m_header) setHeaderString("$HANDSEED", 5, OdString::fromUtf8(dxfFormatHandle(m_nextHandle)));
+  return id;
+}
+
+DxfSection* OdDbDatabase::section(std::string_view name) {
+  for (auto& s : m_sections)
+    if (s.name == name) return &s;
+  return nullptr;
+}
+
+const DxfSection* OdDbDatabase::section(std::string_view name) const {
+  for (auto& s : m_sections)
+    if (s.name == name) return &s;
+  return nullptr;
+}
+
+static OdDbObjectId findBlock(const OdDbDatabase& db, const wchar_t* a, const wchar_t* b) {
+  auto bt = OdSmartPtr<OdDbSymbolTable>::cast(db.getBlockTableId().openObject());
+  if (!bt) return OdDbObjectId();
+  OdDbObjectId id = bt->getAt(a);
+  return id.isNull() ? bt->getAt(b) : id;
+}
+
+OdDbObjectId OdDbDatabase::getModelSpaceId() const { return findBlock(*this, L"*Model_Space", L"$MODEL_SPACE"); }
+OdDbObjectId OdDbDatabase::getPaperSpaceId() const { return findBlock(*this, L"*Paper_Space", L"$PAPER_SPACE"); }
+
+OdDbObjectId OdDbDatabase::registerApp(const OdString& name) {
+  auto table = OdSmartPtr<OdDbSymbolTable>::cast(getRegAppTableId().openObject(OdDb::kForWrite));
+  if (!table) return OdDbObjectId();
+  OdDbObjectId id = table->getAt(name);
+  if (!id.isNull()) return id;
+  OdSmartPtr<OdDbRegAppTableRecord> rec = OdDbRegAppTableRecord::createObject();
+  rec->setDxfName("APPID");
+  addOdDbObject(rec.get(), table->objectId());
+  DxfTagList& t = rec->tagsForWrite();
+  if (dxfver::hasObjects(m_version)) {
+    t.emplace_back(100, "AcDbSymbolTableRecord");
+    t.emplace_back(100, "AcDbRegAppTableRecord");
+  }
+  t.emplace_back(2, m_codec.encode(name.view()));
+  t.emplace_back(70, "0");
+  return table->add(rec.get());
+}
+
+// ---- header variables ----
+
+namespace {
+// The value tags of a header variable: [begin, end) in the header's tags.
+struct VarRange {
+  size_t begin = 0, end = 0;
+  bool found = false;
+};
+
+VarRange findVar(const OdDbObject& header, const std::string& name) {
+  const auto& t = header.tags();
+  for (size_t i = 0; i < t.size(); ++i) {
+    if (t[i].code == 9 && t[i].text == name) {
+      size_t j = i + 1;
+      while (j < t.size() && t[j].code != 9) ++j;
+      return VarRange{i + 1, j, true};
+    }
+  }
+  return VarRange{t.size(), t.size(), false};
+}
+}  // namespace
+
+OdResBufPtr OdDbDatabase::getHeaderVar(const OdString& name) const {
+  if (!m_header) return OdResBufPtr();
+  VarRange r = findVar(*m_header, name.toUtf8());
+  if (!r.found) return OdResBufPtr();
+  const auto& t = m_header->tags();
+  OdResBufPtr head, tail;
+  for (size_t i = r.begin; i < r.end; ++i) {
+    OdResBufPtr rb = OdResBuf::newRb(t[i].code);
+    switch (dxfTypeOf(t[i].code)) {
+      case DxfType::Double: rb->setDouble(t[i].toDouble()); break;
+      case DxfType::Int16:
+      case DxfType::Int32:
+      case DxfType::Int64:
+      case DxfType::Bool: rb->setInt64(t[i].toInt()); break;
+      case DxfType::Handle: rb->setHandle(OdDbHandle(t[i].toHandle())); rb->setString(OdString::fromUtf8(t[i].text)); break;
+      default: rb->setString(m_codec.decode(t[i].text));
+    }
+    if (tail) tail = tail->setNext(rb);
+    else head = tail = rb;
+  }
+  return head;
+}
+
+void OdDbDatabase::setHeaderVar(const OdString& name, const OdResBuf* values) {
+  if (!m_header) throw OdError(eNotApplicable, "the drawing has no HEADER section");
+  std::string n = name.toUtf8();
+  DxfTagList fresh;
+  for (const OdResBuf* rb = values; rb; rb = rb->next().get()) {
+    int c = rb->restype();
+    switch (dxfTypeOf(c)) {
+      case DxfType::Double: fresh.emplace_back(c, dxfFormatDouble(rb->getDouble())); break;
+      case DxfType::Int16:
+      case DxfType::Int32:
+      case DxfType::Int64:
+      case DxfType::Bool: fresh.emplace_back(c, std::to_string(rb->getInt64())); break;
+      case DxfType::Handle: fresh.emplace_back(c, rb->getString().isEmpty() ? dxfFormatHandle(rb->getHandle().value()) : rb->getString().toUtf8()); break;
+      default: fresh.emplace_back(c, m_codec.encode(rb->getString().view()));
+    }
+  }
+  VarRange r = findVar(*m_header, n);
+  DxfTagList& t = m_header->tagsForWrite();
+  if (r.found && r.end - r.begin == fresh.size()) {
+    // Same shape: change values in place, so untouched parts keep their spelling.
+    for (size_t k = 0; k < fresh.size(); ++k) {
+      if (t[r.begin + k].code == fresh[k].code) t[r.begin + k].set(fresh[k].text);
+      else t[r.begin + k] = fresh[k];
+    }
+    return;
+  }
+  if (r.found) {
+    t.erase(t.begin() + static_cast<long>(r.begin), t.begin() + static_cast<long>(r.end));
+    t.insert(t.begin() + static_cast<long>(r.begin), fresh.begin(), fresh.end());
+    return;
+  }
+  t.emplace_back(9, n);
+  t.insert(t.end(), fresh.begin(), fresh.end());
+}
+
+double OdDbDatabase::headerDouble(const char* name, double dflt) const {
+  OdResBufPtr rb = getHeaderVar(OdString::fromUtf8(name));
+  return rb ? (dxfTypeOf(rb->restype()) == DxfType::Double ? rb->getDouble() : static_cast<double>(rb->getInt64())) : dflt;
+}
+
+int OdDbDatabase::headerInt(const char* name, int dflt) const {
+  OdResBufPtr rb = getHeaderVar(OdString::fromUtf8(name));
+  return rb ? static_cast<int>(rb->getInt64()) : dflt;
+}
+
+OdString OdDbDatabase::headerString(const char* name, const OdString& dflt) const {
+  OdResBufPtr rb = getHeaderVar(OdString::fromUtf8(name));
+  return rb ? rb->getString() : dflt;
+}
+
+void OdDbDatabase::setHeaderDouble(const char* name, int code, double v) {
+  setHeaderVar(OdString::fromUtf8(name), OdResBuf::newRb(code, v).get());
+}
+
+void OdDbDatabase::setHeaderInt(const char* name, int code, int v) {
+  setHeaderVar(OdString::fromUtf8(name), OdResBuf::newRb(code, static_cast<int32_t>(v)).get());
+}
+
+void OdDbDatabase::setHeaderString(const char* name, int code, const OdString& v) {
+  setHeaderVar(OdString::fromUtf8(name), OdResBuf::newRb(code, v).get());
+}
+
+DxfStyle dxfStyleOf(const OdDbDatabase& db) {
+  DxfStyle st;
+  st.format = db.format();
+  st.shortCodes = db.format() == DxfFormat::Binary && dxfver::binaryShortCodes(db.version());
+  return st;
+}
+
+// ---- purge ----
+
+void OdDbDatabase::purge(OdDbObjectIdArray& ids) const {
+  std::unordered_set<OdDbStub*> candidates;
+  for (auto& id : ids) candidates.insert(id.stub());
+  std::unordered_set<OdDbStub*> used;
+  // Names that tags use to refer to records (layer 8, linetype 6, text style 7,
+  // block 2 of inserts and dimensions, dimension style 3), resolved per table.
+  std::unordered_set<std::wstring> names[9];
+  auto noteName = [&](int slot, const std::string& bytes) { names[slot].insert(odstr::folded(m_codec.decode(bytes).view())); };
+  auto scan = [&](const OdDbObject* o) {
+    const auto& t = o->tags();
+    std::string_view type = o->dxfName();
+    bool isEntity = o->isKindOf(OdDbEntity::desc());
+    bool inGroup = false;
+    for (size_t i = 1; i < t.size(); ++i) {
+      int c = t[i].code;
+      if (c == 102) { inGroup = !t[i].text.empty() && t[i].text[0] == '{'; continue; }
+      if (inGroup || c == 330 || c == 5 || c == 105) continue;  // owners and reactors do not keep an object
+      if ((c >= 340 && c <= 369) || (c >= 390 && c <= 399) || c == 1005 || c == 331 || c == 332) {
+        if (OdDbStub* s = getOdDbObjectId(OdDbHandle(t[i].toHandle())).stub()) used.insert(s);
+        continue;
+      }
+      if (isEntity) {
+        if (c == 8) noteName(1, t[i].text);
+        else if (c == 6) noteName(2, t[i].text);
+        else if (c == 7 && type != "DIMENSION") noteName(3, t[i].text);
+        else if (c == 3 && (type == "DIMENSION" || type == "LEADER" || type == "TOLERANCE")) noteName(4, t[i].text);
+        else if (c == 2 && (type == "INSERT" || type == "DIMENSION")) noteName(0, t[i].text);
+      } else if (type == "LAYER" && c == 6) {
+        noteName(2, t[i].text);
+      } else if (type == "DIMSTYLE" && c >= 5 && c <= 7 && !t[i].text.empty()) {
+        noteName(0, t[i].text);
+        noteName(0, "_" + t[i].text);
+      }
+    }
+  };
+  for (const auto& o : m_objects)
+    if (!o->isErased()) scan(o.get());
+  // Header variables name the current layer, linetype, text style and dimension style.
+  const std::pair<const char*, int> headerRefs[] = {{"$CLAYER", 1}, {"$CELTYPE", 2}, {"$TEXTSTYLE", 3}, {"$DIMSTYLE", 4},
+                                                    {"$DIMTXSTY", 3}, {"$DIMBLK", 0}, {"$DIMBLK1", 0}, {"$DIMBLK2", 0},
+                                                    {"$DIMLDRBLK", 0}};
+  for (auto& [var, slot] : headerRefs) names[slot].insert(odstr::folded(headerString(var).view()));
+  std::vector<OdDbObjectId> keep;
+  for (auto& id : ids) {
+    OdDbObject* o = id.stub() ? id.stub()->object : nullptr;
+    if (!o || used.count(id.stub())) continue;
+    if (auto* rec = dynamic_cast<OdDbSymbolTableRecord*>(o)) {
+      int slot = -1;
+      for (int k = 0; k < 9; ++k)
+        if (m_tables[k] == rec->ownerId()) slot = k;
+      std::wstring n = odstr::folded(rec->getName().view());
+      if (slot >= 0 && names[slot].count(n)) continue;
+      if (slot >= 0 && names[slot].count(odstr::folded((L"_" + rec->getName()).view()))) continue;
+      // Records every drawing needs.
+      if ((slot == 1 && n == L"0") || (slot == 2 && (n == L"CONTINUOUS" || n == L"BYLAYER" || n == L"BYBLOCK")) ||
+          (slot == 0 && static_cast<OdDbBlockTableRecord*>(rec)->isLayout()) || (slot == 5 && n == L"ACAD"))
+        continue;
+    }
+    keep.push_back(id);
+  }
+  ids.swap(keep);
+}

@@ -1,0 +1,54 @@
+// A command-line session of the host: open drawings, the active one, and the
+// file commands (OPEN, NEW, SAVE, SAVEAS, CLOSE, QUIT).
+#pragma once
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "drawings/OdDbDatabase.h"
+#include "host/HostCommandLine.h"
+
+struct HostDocument {
+  OdDbDatabasePtr database;
+  std::string path;  // empty for a new drawing never saved
+  std::string title() const;
+};
+
+class HostSession {
+public:
+  explicit HostSession(HostCommandLine& cl);
+
+  // Opens a drawing and makes it active; reports a failure and returns false.
+  bool open(const std::string& path);
+  // Runs "Command: " prompts until QUIT or the end of input.
+  void run();
+  // Runs one command by name; false if there is no such command.
+  bool runCommand(const std::string& name);
+
+  using Command = std::function<void()>;
+  void addCommand(const std::string& name, Command handler);
+
+  HostDocument* activeDocument();
+  const std::vector<std::unique_ptr<HostDocument>>& documents() const { return m_docs; }
+  // True once a file could not be read or written: the exit status reports it.
+  bool hadFileError() const { return m_fileError; }
+  HostCommandLine& commandLine() { return m_cl; }
+
+private:
+  void cmdOpen();
+  void cmdNew();
+  void cmdSave();
+  void cmdSaveAs();
+  void cmdClose();
+  bool save(HostDocument& doc, const std::string& path, const DxfSaveOptions& options);
+
+  HostCommandLine& m_cl;
+  std::map<std::string, Command> m_commands;  // upper-case names
+  std::vector<std::unique_ptr<HostDocument>> m_docs;
+  size_t m_active = 0;
+  bool m_quit = false;
+  bool m_fileError = false;
+};

@@ -1,0 +1,85 @@
+#include "host/HostCommandLine.h"
+
+#include <algorithm>
+#include <cctype>
+
+HostCommandLine::HostCommandLine(std::istream& in, std::ostream& out, bool echo) : m_in(in), m_out(out), m_echo(echo) {}
+
+void HostCommandLine::print(const std::string& text) {
+  m_out << text;
+  m_out.flush();
+}
+
+std::string HostCommandLine::getLine(const std::string& prompt) {
+  print(prompt);
+  std::string line;
+  if (!std::getline(m_in, line)) {
+    print("\n");
+    throw HostCancel{true};
+  }
+  if (!line.empty() && line.back() == '\r') line.pop_back();
+  if (m_echo) print(line + "\n");
+  if (line == "\x1b") {
+    println("*Cancel*");
+    throw HostCancel{false};
+  }
+  // Leading and trailing blanks are never meant.
+  size_t b = line.find_first_not_of(" \t"), e = line.find_last_not_of(" \t");
+  return b == std::string::npos ? std::string() : line.substr(b, e - b + 1);
+}
+
+static std::string upper(std::string s) {
+  for (auto& c : s) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+  return s;
+}
+
+std::optional<std::string> HostCommandLine::matchKeyword(const std::string& input, const std::vector<std::string>& keywords) {
+  if (input.empty()) return std::nullopt;
+  std::string in = upper(input);
+  if (in.size() > 1 && in[0] == '_') in.erase(0, 1);  // the language-independent form
+  for (const auto& k : keywords)
+    if (upper(k) == in) return k;
+  // The short form: the keyword's leading capital letters (and digits), or any
+  // longer prefix of the keyword.
+  for (const auto& k : keywords) {
+    size_t caps = 0;
+    while (caps < k.size() && (std::isupper(static_cast<unsigned char>(k[caps])) || std::isdigit(static_cast<unsigned char>(k[caps])))) ++caps;
+    if (caps == 0) caps = k.size();
+    if (in.size() >= caps && in.size() <= k.size() && upper(k).compare(0, in.size(), in) == 0) return k;
+  }
+  return std::nullopt;
+}
+
+std::string HostCommandLine::getKeywordOrText(const std::string& prompt, const std::vector<std::string>& keywords,
+                                              const std::string& dflt, bool allowArbitrary, bool* isKeyword) {
+  std::string full = prompt;
+  if (!keywords.empty()) {
+    full += " [";
+    for (size_t i = 0; i < keywords.size(); ++i) full += (i ? "/" : "") + keywords[i];
+    full += "]";
+  }
+  if (!dflt.empty()) full += " <" + dflt + ">";
+  full += ": ";
+  for (;;) {
+    std::string line = getLine(full);
+    if (line.empty()) {
+      if (isKeyword) *isKeyword = std::find(keywords.begin(), keywords.end(), dflt) != keywords.end();
+      if (!dflt.empty()) return dflt;
+      if (allowArbitrary) return line;
+      continue;
+    }
+    if (auto k = matchKeyword(line, keywords)) {
+      if (isKeyword) *isKeyword = true;
+      return *k;
+    }
+    if (allowArbitrary) {
+      if (isKeyword) *isKeyword = false;
+      return line;
+    }
+    println("Invalid option keyword.");
+  }
+}
+
+bool HostCommandLine::getYesNo(const std::string& question, bool dflt) {
+  return getKeywordOrText(question, {"Yes", "No"}, dflt ? "Yes" : "No", false) == "Yes";
+}

@@ -1,0 +1,167 @@
+#include "host/HostSession.h"
+
+#include <algorithm>
+#include <cctype>
+
+static const std::vector<std::string> kVersionKeywords = {"R12", "R2000", "R2004", "R2007", "R2010", "R2013", "R2018"};
+
+std::string HostDocument::title() const { return path.empty() ? std::string("Drawing") : path; }
+
+HostSession::HostSession(HostCommandLine& cl) : m_cl(cl) {
+  addCommand("OPEN", [this] { cmdOpen(); });
+  addCommand("NEW", [this] { cmdNew(); });
+  addCommand("SAVE", [this] { cmdSave(); });
+  addCommand("SAVEAS", [this] { cmdSaveAs(); });
+  addCommand("CLOSE", [this] { cmdClose(); });
+  addCommand("QUIT", [this] { m_quit = true; });
+  addCommand("EXIT", [this] { m_quit = true; });
+}
+
+void HostSession::addCommand(const std::string& name, Command handler) {
+  std::string n = name;
+  for (auto& c : n) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+  m_commands[n] = std::move(handler);
+}
+
+HostDocument* HostSession::activeDocument() { return m_docs.empty() ? nullptr : m_docs[m_active].get(); }
+
+bool HostSession::open(const std::string& path) {
+  try {
+    auto doc = std::make_unique<HostDocument>();
+    doc->database = OdDbDatabase::readDxfFile(path);
+    doc->path = path;
+    for (const auto& w : doc->database->loadWarnings()) m_cl.println("Warning: " + w);
+    m_docs.push_back(std::move(doc));
+    m_active = m_docs.size() - 1;
+    m_cl.println("Opened " + path + " (" + std::string(dxfver::keyword(m_docs.back()->database->version())) +
+                 (m_docs.back()->database->format() == DxfFormat::Binary ? ", binary" : "") + ").");
+    return true;
+  } catch (const OdError& e) {
+    m_cl.println(std::string("Cannot open drawing: ") + e.what());
+    m_fileError = true;
+    return false;
+  }
+}
+
+bool HostSession::runCommand(const std::string& name) {
+  std::string n = name;
+  for (auto& c : n) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+  if (!n.empty() && n[0] == '_') n.erase(0, 1);
+  auto it = m_commands.find(n);
+  if (it == m_commands.end()) return false;
+  it->second();
+  return true;
+}
+
+void HostSession::run() {
+  while (!m_quit) {
+    std::string line;
+    try {
+      line = m_cl.getLine("Command: ");
+    } catch (const HostCancel& c) {
+      if (c.endOfInput) return;  // as QUIT: nothing is saved unasked
+      continue;
+    }
+    if (line.empty()) continue;
+    try {
+      if (!runCommand(line)) m_cl.println("Unknown command \"" + line + "\".  Press F1 for help.");
+    } catch (const HostCancel& c) {
+      if (c.endOfInput) return;
+    } catch (const OdError& e) {
+      m_cl.println(std::string("Error: ") + e.what());
+    }
+  }
+}
+
+void HostSession::cmdOpen() {
+  std::string path = m_cl.getLine("Enter name of drawing to open: ");
+  if (!path.empty()) open(path);
+}
+
+void HostSession::cmdNew() {
+  DxfVersion version = DxfVersion::R2018;
+  std::vector<std::string> keywords = {"Imperial", "Metric"};
+  keywords.insert(keywords.end(), kVersionKeywords.begin(), kVersionKeywords.end());
+  for (;;) {
+    std::string k = m_cl.getKeywordOrText("Units of the new drawing (" + std::string(dxfver::keyword(version)) + ")",
+                                         keywords, "Imperial", false);
+    if (auto v = dxfver::fromKeyword(k)) {
+      version = *v;
+      continue;
+    }
+    auto doc = std::make_unique<HostDocument>();
+    doc->database = OdDbDatabase::createNew(version, k == "Metric");
+    m_docs.push_back(std::move(doc));
+    m_active = m_docs.size() - 1;
+    m_cl.println("New " + k + " drawing (" + std::string(dxfver::keyword(version)) + ").");
+    return;
+  }
+}
+
+bool HostSession::save(HostDocument& doc, const std::string& path, const DxfSaveOptions& options) {
+  try {
+    std::vector<std::string> leftOut;
+    doc.database->writeDxfFile(path, options, &leftOut);
+    if (!leftOut.empty()) {
+      m_cl.println("R12 cannot hold these; they were left out:");
+      for (const auto& s : leftOut) m_cl.println("  " + s);
+    }
+    m_cl.println("Saved " + path + ".");
+    return true;
+  } catch (const OdError& e) {
+    m_cl.println(std::string("Cannot save drawing: ") + e.what());
+    m_fileError = true;
+    return false;
+  }
+}
+
+void HostSession::cmdSave() {
+  HostDocument* doc = activeDocument();
+  if (!doc) {
+    m_cl.println("No drawing is open.");
+    return;
+  }
+  if (doc->path.empty()) {
+    cmdSaveAs();
+    return;
+  }
+  save(*doc, doc->path, {});
+}
+
+void HostSession::cmdSaveAs() {
+  HostDocument* doc = activeDocument();
+  if (!doc) {
+    m_cl.println("No drawing is open.");
+    return;
+  }
+  DxfSaveOptions options;
+  options.version = doc->database->version();
+  options.format = doc->database->format();
+  std::vector<std::string> keywords = kVersionKeywords;
+  keywords.push_back("Ascii");
+  keywords.push_back("Binary");
+  for (;;) {
+    bool isKeyword = false;
+    std::string what = std::string(dxfver::keyword(*options.version)) +
+                       (*options.format == DxfFormat::Binary ? " binary" : "");
+    std::string answer = m_cl.getKeywordOrText("Save drawing as (" + what + ")", keywords, doc->path, true, &isKeyword);
+    if (isKeyword && answer != doc->path) {
+      if (answer == "Ascii") options.format = DxfFormat::Ascii;
+      else if (answer == "Binary") options.format = DxfFormat::Binary;
+      else options.version = dxfver::fromKeyword(answer);
+      continue;
+    }
+    if (answer.empty()) return;
+    if (save(*doc, answer, options)) doc->path = answer;
+    return;
+  }
+}
+
+void HostSession::cmdClose() {
+  if (m_docs.empty()) {
+    m_cl.println("No drawing is open.");
+    return;
+  }
+  m_docs.erase(m_docs.begin() + static_cast<long>(m_active));
+  m_active = m_docs.empty() ? 0 : m_docs.size() - 1;
+}
