@@ -4,11 +4,13 @@
 #include "DxfWriter.h"
 
 namespace {
-// Entities an R12 file can hold; everything else is left out there.
+// Entities an R12 file can hold; everything else is left out there. Paper space
+// viewports are left out too: R12 keeps their settings in extended data that
+// later versions no longer write.
 bool isR12Entity(std::string_view n) {
   static const std::unordered_set<std::string_view> names = {
       "LINE", "POINT", "CIRCLE", "ARC", "TRACE", "SOLID", "TEXT", "SHAPE", "BLOCK", "ENDBLK", "INSERT",
-      "ATTDEF", "ATTRIB", "POLYLINE", "VERTEX", "SEQEND", "3DFACE", "VIEWPORT", "DIMENSION"};
+      "ATTDEF", "ATTRIB", "POLYLINE", "VERTEX", "SEQEND", "3DFACE", "DIMENSION"};
   return names.count(n) != 0;
 }
 

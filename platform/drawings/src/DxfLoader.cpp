@@ -22,6 +22,19 @@ void DxfLoader::fail(const Chunk& at, const std::string& expected) const {
                        "\"): expected " + expected};
 }
 
+// The file ended where more was needed: says where it ended.
+[[noreturn]] static void failAtEnd(const DxfTagScanner& sc, DxfFormat format, const std::string& expected) {
+  std::string where = format == DxfFormat::Ascii ? "line " + std::to_string(sc.line())
+                                                 : "byte offset " + std::to_string(sc.position());
+  throw DxfSyntaxError{where + ": expected " + expected + ", found the end of the file"};
+}
+
+// Chunk types that only frame sections, tables and blocks: never an entity or object.
+static bool isFraming(std::string_view type) {
+  return type == "SECTION" || type == "ENDSEC" || type == "TABLE" || type == "ENDTAB" || type == "BLOCK" ||
+         type == "ENDBLK" || type == "EOF";
+}
+
 // Reads the tags of one chunk: a 0 tag and everything up to the next 0 tag. Notes
 // what the structure needs (handle, owner, name) on the way; every tag is checked.
 bool DxfLoader::nextChunk(Chunk& c) {
@@ -121,7 +134,7 @@ void DxfLoader::load(std::shared_ptr<const std::string> bytes) {
   // Comments (999) before the first 0 tag are kept as they are.
   DxfRawTag t;
   for (;;) {
-    if (!m_scanner->next(t)) throw DxfSyntaxError{"the file holds no DXF data (expected 0/SECTION)"};
+    if (!m_scanner->next(t)) failAtEnd(*m_scanner, m_db.m_format, "0/SECTION");
     if (t.code == 0) break;
     if (t.code != 999) {
       throw DxfSyntaxError{(m_db.m_format == DxfFormat::Ascii ? "line " : "byte offset ") + std::to_string(t.line) +
@@ -136,10 +149,15 @@ void DxfLoader::load(std::shared_ptr<const std::string> bytes) {
   m_pending = t;
   m_havePending = true;
 
+  // Files without a header are R12-era; a header overrides this.
+  m_db.m_version = DxfVersion::R12;
+  m_db.m_codec = DxfCodec::make("", DxfVersion::R12);
   Chunk c;
   bool sawEof = false;
   while (nextChunk(c)) {
     if (c.type == "EOF") {
+      // With no section at all there is no drawing: most likely not a DXF file, or a cut one.
+      if (m_db.m_sections.empty()) fail(c, "0/SECTION");
       sawEof = true;
       m_db.m_eof = make(c, OdDbProxyObject::desc());
       m_db.m_suffix.assign(m_data.substr(static_cast<size_t>(c.raw.data() + c.raw.size() - m_data.data())));
@@ -166,11 +184,11 @@ void DxfLoader::load(std::shared_ptr<const std::string> bytes) {
     } else {
       readPlain(s);
     }
-    if (!m_havePending) throw DxfSyntaxError{"end of file inside section " + s.name + ": expected 0/ENDSEC"};
+    if (!m_havePending) failAtEnd(*m_scanner, m_db.m_format, "0/ENDSEC to close section " + s.name);
     nextChunk(c);  // the ENDSEC that ended the section
     s.endsec = make(c, OdDbProxyObject::desc());
   }
-  if (!sawEof) throw DxfSyntaxError{"end of file: expected 0/EOF"};
+  if (!sawEof) failAtEnd(*m_scanner, m_db.m_format, "0/EOF");
   finish();
 }
 
@@ -179,12 +197,14 @@ void DxfLoader::readHeader(const Chunk& c) {
   DxfTagScanner sc(c.raw, m_db.m_format, m_db.m_style.shortCodes, 0, c.line);
   DxfRawTag t;
   std::string var, acadver, codepage;
+  size_t acadverAt = 0;  // where the value is: line, or offset in the file
   uint64_t seed = 0;
   while (sc.next(t)) {
     if (t.code == 9) {
       var = std::string(t.value);
     } else if (var == "$ACADVER" && t.code == 1) {
       acadver = std::string(t.value);
+      acadverAt = m_db.m_format == DxfFormat::Ascii ? t.line + 1 : static_cast<size_t>(t.value.data() - m_data.data());
     } else if (var == "$DWGCODEPAGE" && t.code == 3) {
       codepage = std::string(t.value);
     } else if (var == "$HANDSEED" && t.code == 5) {
@@ -194,7 +214,10 @@ void DxfLoader::readHeader(const Chunk& c) {
   while (!acadver.empty() && acadver.back() == ' ') acadver.pop_back();
   auto v = dxfver::fromAcadVer(acadver);
   if (!v) {
-    if (!acadver.empty()) throw DxfSyntaxError{"line " + std::to_string(c.line) + ": unknown $ACADVER \"" + acadver + "\""};
+    if (!acadver.empty())
+      throw DxfSyntaxError{(m_db.m_format == DxfFormat::Ascii ? "line " : "byte offset ") + std::to_string(acadverAt) +
+                           ", group code 1: expected a known $ACADVER (AC1003 to AC1032), found \"" +
+                           acadver.substr(0, 40) + "\""};
     v = DxfVersion::R12;  // files that write no version are R12-era
   }
   m_db.m_version = *v;
@@ -233,14 +256,14 @@ void DxfLoader::readTables(DxfSection& s) {
     s.items.push_back(tableObj);
     if (kind) m_db.m_tables[kind->slot] = table->objectId();
     for (;;) {
-      if (!m_havePending) throw DxfSyntaxError{"end of file inside table " + std::string(c.name) + ": expected 0/ENDTAB"};
+      if (!m_havePending) failAtEnd(*m_scanner, m_db.m_format, "0/ENDTAB to close table " + std::string(c.name));
       Chunk r;
       nextChunk(r);
       if (r.type == "ENDTAB") {
         table->endTab = make(r, OdDbProxyObject::desc());
         break;
       }
-      if (r.type == "TABLE" || r.type == "ENDSEC" || r.type == "SECTION" || r.type == "EOF")
+      if (isFraming(r.type))
         fail(r, "0/ENDTAB to close table " + std::string(c.name));
       OdDbObjectPtr rec = make(r, kind ? kind->record : OdDbSymbolTableRecord::desc());
       place(rec.get(), r);
@@ -280,13 +303,19 @@ void DxfLoader::readBlocks(DxfSection& s) {
     if (c.type != "BLOCK") fail(c, "0/BLOCK or 0/ENDSEC in the BLOCKS section");
     OdDbObjectPtr begin = make(c, OdDbBlockBegin::desc());
     OdDbBlockTableRecord* btr = blockFor(c);
+    if (btr && !btr->blockBegin.isNull()) {
+      // A second definition keeps its own made-up record, so that both are written back.
+      m_db.m_warnings.push_back("line " + std::to_string(c.line) + ": block " + std::string(c.name) +
+                                " is defined a second time");
+      btr = nullptr;
+    }
     if (!btr) btr = syntheticBlock(c);
     place(begin.get(), c);
     begin->setOwnerIdRaw(btr->objectId());
     btr->blockBegin = begin->objectId();
     s.items.push_back(OdDbObjectPtr(btr));
     for (;;) {
-      if (!m_havePending) throw DxfSyntaxError{"end of file inside block " + std::string(c.name) + ": expected 0/ENDBLK"};
+      if (!m_havePending) failAtEnd(*m_scanner, m_db.m_format, "0/ENDBLK to close block " + std::string(c.name));
       Chunk e;
       nextChunk(e);
       if (e.type == "ENDBLK") {
@@ -296,7 +325,7 @@ void DxfLoader::readBlocks(DxfSection& s) {
         btr->blockEnd = end->objectId();
         break;
       }
-      if (e.type == "BLOCK" || e.type == "ENDSEC" || e.type == "SECTION" || e.type == "EOF")
+      if (isFraming(e.type))
         fail(e, "0/ENDBLK to close block " + std::string(c.name));
       OdDbObjectPtr ent = make(e, dxfEntityClass(e.type));
       place(ent.get(), e);
@@ -348,7 +377,7 @@ void DxfLoader::readEntities(DxfSection& s) {
     while (!type.empty() && type.back() == ' ') type.remove_suffix(1);
     if (type == "ENDSEC") return;
     nextChunk(c);
-    if (c.type == "SECTION" || c.type == "EOF") fail(c, "0/ENDSEC to close section ENTITIES");
+    if (isFraming(c.type)) fail(c, "an entity or 0/ENDSEC to close section ENTITIES");
     OdDbObjectPtr ent = make(c, dxfEntityClass(c.type));
     place(ent.get(), c);
     s.items.push_back(ent);
@@ -363,7 +392,7 @@ void DxfLoader::readObjects(DxfSection& s) {
     while (!type.empty() && type.back() == ' ') type.remove_suffix(1);
     if (type == "ENDSEC") return;
     nextChunk(c);
-    if (c.type == "SECTION" || c.type == "EOF") fail(c, "0/ENDSEC to close section OBJECTS");
+    if (isFraming(c.type)) fail(c, "an object or 0/ENDSEC to close section OBJECTS");
     OdDbObjectPtr obj = make(c, dxfObjectClass(c.type));
     place(obj.get(), c);
     s.items.push_back(obj);

@@ -240,8 +240,35 @@ std::string dxfValueText(const DxfRawTag& t, DxfFormat format) {
       }
       return s;
     }
-    default: return std::string(t.value);
+    default: {
+      // ASCII files cannot hold control characters in a value: they are spelled
+      // "^" + (char + 64), and a caret itself as "^ ".
+      std::string s;
+      s.reserve(t.value.size());
+      for (char c : t.value) {
+        unsigned char u = static_cast<unsigned char>(c);
+        if (u < 32) { s += '^'; s += static_cast<char>(u + 64); }
+        else if (c == '^') s += "^ ";
+        else s += c;
+      }
+      return s;
+    }
   }
+}
+
+// The bytes a binary file holds for a value in ASCII spelling (carets undone).
+static std::string binaryString(std::string_view text) {
+  std::string s;
+  s.reserve(text.size());
+  for (size_t i = 0; i < text.size(); ++i) {
+    if (text[i] == '^' && i + 1 < text.size()) {
+      char n = text[++i];
+      s += n == ' ' ? '^' : static_cast<char>(n - 64);
+    } else {
+      s += text[i];
+    }
+  }
+  return s;
 }
 
 double DxfTag::toDouble() const {
@@ -313,7 +340,7 @@ static void writeValue(std::string& out, int code, std::string_view text, const 
       break;
     }
     default:
-      out += text;
+      out += binaryString(text);
       out += '\0';
   }
 }

@@ -1,11 +1,13 @@
 #!/usr/bin/python3
 """Open DXF files with ezdxf, an independent reader, and audit them.
 
-Usage: check_new_drawings.py FILE.dxf...
+Usage: check_new_drawings.py [--strict] FILE.dxf...
 
 Prints one line per file, "OK <file>" or "FAIL <file>", followed by what the
-audit found or fixed. Exit status 0 when every file passed, 1 otherwise, 2 when
-ezdxf cannot be imported.
+audit found or fixed. A file fails on any audit error; with --strict also on any
+fix, since ezdxf silently repairs some faults (a wrong owner, for one) that
+other programs reject. Exit status 0 when every file passed, 1 otherwise, 2 on
+bad usage or when ezdxf cannot be imported.
 
 Besides the audit, a file fails when the current dimension style named by
 $DIMSTYLE is missing, or when a value set in that style's record disagrees with
@@ -52,7 +54,7 @@ def style_mismatches(doc):
     return problems
 
 
-def check(path):
+def check(path, strict):
     try:
         doc = ezdxf.readfile(path)
     except Exception as exc:  # any failure to load is a failed check
@@ -62,16 +64,19 @@ def check(path):
     lines += [f"fixed: {f.message}" for f in auditor.fixes]
     mismatches = style_mismatches(doc)
     lines += [f"mismatch: {m}" for m in mismatches]
-    return not auditor.has_errors and not mismatches, lines
+    ok = not auditor.has_errors and not mismatches and not (strict and auditor.fixes)
+    return ok, lines
 
 
-def main(paths):
+def main(args):
+    strict = "--strict" in args
+    paths = [a for a in args if a != "--strict"]
     if not paths:
         print(__doc__.strip().splitlines()[2], file=sys.stderr)
         return 2
     failed = 0
     for path in paths:
-        ok, lines = check(path)
+        ok, lines = check(path, strict)
         print(("OK " if ok else "FAIL ") + path)
         for line in lines:
             print("    " + line)

@@ -125,7 +125,7 @@ void HostSession::cmdSave() {
     cmdSaveAs();
     return;
   }
-  save(*doc, doc->path, {});
+  save(*doc, doc->path, doc->saveAs);
 }
 
 void HostSession::cmdSaveAs() {
@@ -134,9 +134,9 @@ void HostSession::cmdSaveAs() {
     m_cl.println("No drawing is open.");
     return;
   }
-  DxfSaveOptions options;
-  options.version = doc->database->version();
-  options.format = doc->database->format();
+  DxfSaveOptions options = doc->saveAs;
+  if (!options.version) options.version = doc->database->version();
+  if (!options.format) options.format = doc->database->format();
   std::vector<std::string> keywords = kVersionKeywords;
   keywords.push_back("Ascii");
   keywords.push_back("Binary");
@@ -152,7 +152,10 @@ void HostSession::cmdSaveAs() {
       continue;
     }
     if (answer.empty()) return;
-    if (save(*doc, answer, options)) doc->path = answer;
+    if (save(*doc, answer, options)) {
+      doc->path = answer;
+      doc->saveAs = options;
+    }
     return;
   }
 }

@@ -14,6 +14,7 @@
 struct HostDocument {
   OdDbDatabasePtr database;
   std::string path;  // empty for a new drawing never saved
+  DxfSaveOptions saveAs;  // version and format that SAVE writes: as read, or as last chosen
   std::string title() const;
 };
 
