@@ -45,7 +45,12 @@ def main():
     try:
         # R12 has stricter names than later versions: ezdxf's recover mode reads
         # the names that its plain reader refuses (escaped characters).
-        b = recover.readfile(written)[0] if lossy else load(written)
+        try:
+            b = load(written)
+        except ezdxf.DXFValueError:
+            if not lossy:
+                raise
+            b = recover.readfile(written)[0]
     except Exception as e:  # any failure to read what we wrote is the finding
         print("FAIL %s\n  ezdxf cannot read it: %s: %s" % (written, type(e).__name__, e))
         return 1

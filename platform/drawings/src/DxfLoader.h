@@ -46,6 +46,7 @@ private:
   bool m_havePending = false;
   Chunk m_cur;
   std::unordered_map<std::wstring, OdDbBlockTableRecord*> m_blocksByName;
+  bool m_blocksIndexed = false;
   std::vector<std::pair<OdDbObject*, uint64_t>> m_ownerRefs;
   std::vector<std::pair<OdDbObject*, bool>> m_sectionEntities;  // entity, in paper space (67)
   OdDbBlockTableRecord* m_modelSpace = nullptr;

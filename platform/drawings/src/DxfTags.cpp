@@ -1,10 +1,11 @@
 #include "drawings/DxfTags.h"
 
+#include <array>
 #include <charconv>
 #include <cmath>
 #include <cstring>
 
-DxfType dxfTypeOf(int code) {
+static DxfType typeByRange(int code) {
   if (code >= 0 && code <= 9) return code == 5 ? DxfType::Handle : DxfType::String;
   if (code >= 10 && code <= 59) return DxfType::Double;
   if (code >= 60 && code <= 79) return DxfType::Int16;
@@ -38,6 +39,16 @@ DxfType dxfTypeOf(int code) {
   if (code >= 1060 && code <= 1070) return DxfType::Int16;
   if (code == 1071) return DxfType::Int32;
   return DxfType::String;  // codes outside the documented ranges are kept as text
+}
+
+DxfType dxfTypeOf(int code) {
+  // Asked for every tag read: one lookup instead of a chain of range tests.
+  static const auto table = [] {
+    std::array<DxfType, 1072> t{};
+    for (int c = 0; c < 1072; ++c) t[static_cast<size_t>(c)] = typeByRange(c);
+    return t;
+  }();
+  return code >= 0 && code < 1072 ? table[static_cast<size_t>(code)] : DxfType::String;
 }
 
 bool isHandleCode(int code) { return dxfTypeOf(code) == DxfType::Handle; }
@@ -78,24 +89,68 @@ static bool parseHex(std::string_view s, uint64_t& v) {
   return r.ec == std::errc() && r.ptr == s.data() + s.size();
 }
 
+// Syntax checks run on every tag of every file read, so they avoid the C library's
+// locale-aware classification and full number conversion.
+static bool looksLikeNumber(std::string_view s, bool allowFraction) {
+  size_t i = 0, n = s.size();
+  while (i < n && (s[i] == ' ' || s[i] == '\t')) ++i;
+  while (n > i && (s[n - 1] == ' ' || s[n - 1] == '\t' || s[n - 1] == '\r')) --n;
+  if (i < n && (s[i] == '-' || s[i] == '+')) ++i;
+  size_t digits = 0;
+  while (i < n && static_cast<unsigned>(s[i] - '0') < 10) ++i, ++digits;
+  if (i < n && s[i] == '.') {
+    ++i;
+    while (i < n && static_cast<unsigned>(s[i] - '0') < 10) ++i, ++digits;
+    if (!allowFraction) {
+      // Integers written as "1.0" are accepted when the fraction is zero.
+      double d;
+      return digits > 0 && i == n && parseDouble(s, d) && std::floor(d) == d;
+    }
+  }
+  if (digits == 0) {
+    if (!allowFraction) return false;
+    // inf and nan spellings that from_chars accepts
+    double d;
+    return parseDouble(s, d);
+  }
+  if (i < n && (s[i] == 'e' || s[i] == 'E')) {
+    if (!allowFraction) {
+      double d;
+      return parseDouble(s, d) && std::floor(d) == d;
+    }
+    ++i;
+    if (i < n && (s[i] == '-' || s[i] == '+')) ++i;
+    size_t e = 0;
+    while (i < n && static_cast<unsigned>(s[i] - '0') < 10) ++i, ++e;
+    if (e == 0) return false;
+  }
+  return i == n;
+}
+
+static bool isHexText(std::string_view s) {
+  size_t n = s.size();
+  while (n > 0 && (s[n - 1] == ' ' || s[n - 1] == '\r')) --n;
+  if (n % 2) return false;
+  unsigned bad = 0;
+  for (size_t i = 0; i < n; ++i) {
+    unsigned char c = static_cast<unsigned char>(s[i]);
+    unsigned char l = c | 0x20;
+    bad |= !((c - '0' < 10u) | (l - 'a' < 6u));
+  }
+  return bad == 0;
+}
+
 const char* dxfCheckAsciiValue(int code, std::string_view value) {
-  double d;
-  int64_t i;
   switch (dxfTypeOf(code)) {
     case DxfType::Double:
-      return parseDouble(value, d) ? nullptr : "a floating point number";
+      return looksLikeNumber(value, true) ? nullptr : "a floating point number";
     case DxfType::Int16:
     case DxfType::Int32:
     case DxfType::Int64:
     case DxfType::Bool:
-      return parseInt(value, i) ? nullptr : "an integer";
-    case DxfType::Binary: {
-      std::string_view s = trimmed(value);
-      if (s.size() % 2) return "hexadecimal bytes";
-      for (char c : s)
-        if (!std::isxdigit(static_cast<unsigned char>(c))) return "hexadecimal bytes";
-      return nullptr;
-    }
+      return looksLikeNumber(value, false) ? nullptr : "an integer";
+    case DxfType::Binary:
+      return isHexText(value) ? nullptr : "hexadecimal bytes";
     default:
       return nullptr;  // handles are kept as text: some writers use odd spellings
   }
