@@ -1,6 +1,8 @@
 #include "drawings/OdDbDatabase.h"
 
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <fstream>
 #include <sstream>
 #include <unordered_set>
@@ -63,18 +65,19 @@ void OdDbDatabase::writeDxfFile(const std::string& path, const DxfSaveOptions& o
   std::string tmp = path + ".tmp~";
   {
     std::ofstream out(tmp, std::ios::binary | std::ios::trunc);
-    if (!out) throw OdError(eFileWriteError, "cannot create \"" + tmp + "\"");
+    if (!out) throw OdError(eFileWriteError, "cannot write \"" + path + "\": " + std::strerror(errno));
     out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
     out.flush();
     if (!out) {
       out.close();
       std::remove(tmp.c_str());
-      throw OdError(eFileWriteError, "writing \"" + tmp + "\" failed (disk full?)");
+      throw OdError(eFileWriteError, "writing \"" + path + "\" failed: " + std::strerror(errno));
     }
   }
   if (std::rename(tmp.c_str(), path.c_str()) != 0) {
+    int err = errno;
     std::remove(tmp.c_str());
-    throw OdError(eFileWriteError, "cannot replace \"" + path + "\"");
+    throw OdError(eFileWriteError, "cannot replace \"" + path + "\": " + std::strerror(err));
   }
 }
 

@@ -64,7 +64,7 @@ void HostSession::run() {
     }
     if (line.empty()) continue;
     try {
-      if (!runCommand(line)) m_cl.println("Unknown command \"" + line + "\".  Press F1 for help.");
+      if (!runCommand(line)) m_cl.println("Unknown command \"" + line + "\".");
     } catch (const HostCancel& c) {
       if (c.endOfInput) return;
     } catch (const OdError& e) {

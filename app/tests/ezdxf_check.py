@@ -3,6 +3,7 @@
 compares them with the files they were made from.
 
 usage: ezdxf_check.py ORIGINAL WRITTEN [--lossy]
+       ezdxf_check.py --new WRITTEN   (a drawing of ours alone: no audit errors)
 
 Fails when ezdxf cannot read WRITTEN, when its audit finds errors that it does not
 find in ORIGINAL, or when the counts of table records, entities and objects differ
@@ -40,6 +41,11 @@ def audit_errors(doc):
 def main():
     args = [a for a in sys.argv[1:] if not a.startswith("--")]
     lossy = "--lossy" in sys.argv
+    if "--new" in sys.argv:
+        doc = ezdxf.readfile(args[0])
+        errors = audit_errors(doc)
+        print(("FAIL %s\n  audit errors: %s" % (args[0], dict(errors))) if errors else "OK %s" % args[0])
+        return 1 if errors else 0
     original, written = args
     a = load(original)
     try:
