@@ -353,7 +353,7 @@ OdDbBlockTableRecord* DxfLoader::syntheticBlock(const Chunk& c) {
   id.stub()->object = btr.get();
   btr->attach(id.stub());
   m_db.m_objects.emplace_back(btr.get());
-  if (dxfver::hasObjects(m_db.version()) && !m_db.getBlockTableId().isNull())
+  if (c.line && dxfver::hasObjects(m_db.version()) && !m_db.getBlockTableId().isNull())
     m_db.m_warnings.push_back("line " + std::to_string(c.line) + ": block " + std::string(c.name) +
                               " has no block record");
   if (m_db.getBlockTableId().isNull()) {
@@ -406,6 +406,10 @@ void DxfLoader::readObjects(DxfSection& s) {
 }
 
 void DxfLoader::finish() {
+  // Every drawing has a model space and a paper space, even an R12 file that never
+  // names them.
+  layoutBlock(false);
+  layoutBlock(true);
   for (auto& [obj, owner] : m_ownerRefs) {
     OdDbObjectId id = m_db.getOdDbObjectId(OdDbHandle(owner), true);
     obj->setOwnerIdRaw(id);

@@ -63,7 +63,10 @@ std::string DxfWriter::write() {
 }
 
 void DxfWriter::writeId(const OdDbObjectId& id) {
-  if (id.stub() && id.stub()->object && !id.stub()->object->isErased()) writeObject(id.stub()->object);
+  const OdDbObject* o = id.stub() ? id.stub()->object : nullptr;
+  if (!o || o->isErased()) return;
+  if (o->isKindOf(OdDbBlockTableRecord::desc()) && static_cast<const OdDbBlockTableRecord*>(o)->synthetic) return;
+  writeObject(o);
 }
 
 void DxfWriter::writeTables(const DxfSection& s) {

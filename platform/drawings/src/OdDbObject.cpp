@@ -4,6 +4,7 @@
 
 #include "drawings/OdDbDatabase.h"
 #include "drawings/OdDbDictionary.h"
+#include "drawings/OdDbSymbolTable.h"
 
 const OdRxClass* OdRxObject::desc() {
   static const OdRxClass cls(L"OdRxObject", nullptr, L"", nullptr);
@@ -74,6 +75,9 @@ OdResult OdDbObject::erase(bool erasing) {
   if (m_erased == erasing) return erasing ? eWasErased : eOk;
   m_erased = erasing;
   m_modified = true;
+  // A table's name index must not find erased records.
+  if (OdDbObject* owner = m_owner.stub() ? m_owner.stub()->object : nullptr)
+    if (owner->isKindOf(OdDbSymbolTable::desc())) static_cast<OdDbSymbolTable*>(owner)->invalidateIndex();
   return eOk;
 }
 
