@@ -321,3 +321,33 @@ TEST(Database, NewDrawingsAreCompleteForEveryVersion) {
     }
   }
 }
+
+TEST(Database, NamesSurviveConversionBetweenCodePagesAndUtf8) {
+  // Chinese in a UTF-8 file with code page 936, Cyrillic in code page 1251, Korean with 949.
+  for (const char* name : {"egghunters__dxf-viewer-examples__dxf_3.dxf", "zamtmn__zcad___OPS.dxf",
+                           "dotoritos-kim__dxf-json__tc0-tc.dxf"}) {
+    OdDbDatabasePtr db = load(name);
+    if (!db) GTEST_SKIP();
+    auto names = [](OdDbDatabase& d) {
+      std::vector<std::wstring> out;
+      for (OdDbObjectId tid : {d.getDimStyleTableId(), d.getLayerTableId(), d.getTextStyleTableId()})
+        for (auto& id : odOpen<OdDbSymbolTable>(tid)->recordIds()) out.push_back(odOpen<OdDbSymbolTableRecord>(id)->getName().str());
+      return out;
+    };
+    auto original = names(*db);
+    bool nonAscii = false;
+    for (auto& n : original)
+      for (wchar_t c : n) nonAscii |= c > 127;
+    EXPECT_TRUE(nonAscii) << name;
+    for (DxfVersion v : {DxfVersion::R2004, DxfVersion::R2018, DxfVersion::R2000}) {
+      DxfSaveOptions o;
+      o.version = v;
+      std::string bytes = db->toDxf(o);
+      OdDbDatabasePtr again = OdDbDatabase::readDxf(bytes);
+      EXPECT_EQ(names(*again), original) << name << " as " << dxfver::keyword(v);
+      // Text before R2007 is in the code page: no UTF-8 sequences may appear in it.
+      if (v < DxfVersion::R2007 && again->codec().codePageName() != "ANSI_1252")
+        EXPECT_EQ(bytes.find("\xE4\xB8"), std::string::npos) << name;
+    }
+  }
+}
