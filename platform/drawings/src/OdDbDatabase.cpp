@@ -9,6 +9,7 @@
 
 #include "DxfLoader.h"
 #include "DxfWriter.h"
+#include "ResBufTags.h"
 #include "drawings/NewDrawing.h"
 
 const OdRxClass* OdDbDatabase::desc() {
@@ -192,41 +193,13 @@ OdResBufPtr OdDbDatabase::getHeaderVar(const OdString& name) const {
   if (!m_header) return OdResBufPtr();
   VarRange r = findVar(*m_header, name.toUtf8());
   if (!r.found) return OdResBufPtr();
-  const auto& t = m_header->tags();
-  OdResBufPtr head, tail;
-  for (size_t i = r.begin; i < r.end; ++i) {
-    OdResBufPtr rb = OdResBuf::newRb(t[i].code);
-    switch (dxfTypeOf(t[i].code)) {
-      case DxfType::Double: rb->setDouble(t[i].toDouble()); break;
-      case DxfType::Int16:
-      case DxfType::Int32:
-      case DxfType::Int64:
-      case DxfType::Bool: rb->setInt64(t[i].toInt()); break;
-      case DxfType::Handle: rb->setHandle(OdDbHandle(t[i].toHandle())); rb->setString(OdString::fromUtf8(t[i].text)); break;
-      default: rb->setString(m_codec.decode(t[i].text));
-    }
-    if (tail) tail = tail->setNext(rb);
-    else head = tail = rb;
-  }
-  return head;
+  return resBufChain(m_codec, m_header->tags(), r.begin, r.end);
 }
 
 void OdDbDatabase::setHeaderVar(const OdString& name, const OdResBuf* values) {
   if (!m_header) throw OdError(eNotApplicable, "the drawing has no HEADER section");
   std::string n = name.toUtf8();
-  DxfTagList fresh;
-  for (const OdResBuf* rb = values; rb; rb = rb->next().get()) {
-    int c = rb->restype();
-    switch (dxfTypeOf(c)) {
-      case DxfType::Double: fresh.emplace_back(c, dxfFormatDouble(rb->getDouble())); break;
-      case DxfType::Int16:
-      case DxfType::Int32:
-      case DxfType::Int64:
-      case DxfType::Bool: fresh.emplace_back(c, std::to_string(rb->getInt64())); break;
-      case DxfType::Handle: fresh.emplace_back(c, rb->getString().isEmpty() ? dxfFormatHandle(rb->getHandle().value()) : rb->getString().toUtf8()); break;
-      default: fresh.emplace_back(c, m_codec.encode(rb->getString().view()));
-    }
-  }
+  DxfTagList fresh = tagsOfChain(m_codec, values);
   VarRange r = findVar(*m_header, n);
   DxfTagList& t = m_header->tagsForWrite();
   if (r.found && r.end - r.begin == fresh.size()) {

@@ -1,6 +1,7 @@
 #include "drawings/OdDbDictionary.h"
 
 #include "drawings/OdDbDatabase.h"
+#include "ResBufTags.h"
 
 ODRX_DEFINE_MEMBERS(OdDbDictionary, OdDbObject, L"DICTIONARY")
 ODRX_DEFINE_MEMBERS(OdDbXrecord, OdDbObject, L"XRECORD")
@@ -69,25 +70,9 @@ bool OdDbDictionary::remove(const OdString& name) {
 OdResBufPtr OdDbXrecord::rbChain() const {
   Range r = subclassRange("AcDbXrecord");
   const auto& t = tags();
-  OdResBufPtr head, tail;
   size_t i = r.begin;
   if (i < r.end && t[i].code == 280) ++i;  // duplicate record cloning flag
-  for (; i < r.end; ++i) {
-    OdResBufPtr rb = OdResBuf::newRb(t[i].code);
-    switch (dxfTypeOf(t[i].code)) {
-      case DxfType::Double: rb->setDouble(t[i].toDouble()); break;
-      case DxfType::Int16:
-      case DxfType::Int32:
-      case DxfType::Int64:
-      case DxfType::Bool: rb->setInt64(t[i].toInt()); break;
-      case DxfType::Handle: rb->setHandle(OdDbHandle(t[i].toHandle())); break;
-      case DxfType::Binary: rb->setBinaryChunk(t[i].text); break;
-      default: rb->setString(decodeText(t[i].text));
-    }
-    if (tail) tail = tail->setNext(rb);
-    else head = tail = rb;
-  }
-  return head;
+  return resBufChain(codec(), t, i, r.end);
 }
 
 void OdDbXrecord::setFromRbChain(const OdResBuf* chain) {
@@ -101,19 +86,6 @@ void OdDbXrecord::setFromRbChain(const OdResBuf* chain) {
     begin = r.end = t.size();
   }
   t.erase(t.begin() + static_cast<long>(begin), t.begin() + static_cast<long>(r.end));
-  DxfTagList add;
-  for (const OdResBuf* rb = chain; rb; rb = rb->next().get()) {
-    int c = rb->restype();
-    switch (dxfTypeOf(c)) {
-      case DxfType::Double: add.emplace_back(c, dxfFormatDouble(rb->getDouble())); break;
-      case DxfType::Int16:
-      case DxfType::Int32:
-      case DxfType::Int64:
-      case DxfType::Bool: add.emplace_back(c, std::to_string(rb->getInt64())); break;
-      case DxfType::Handle: add.emplace_back(c, dxfFormatHandle(rb->getHandle().value())); break;
-      case DxfType::Binary: add.emplace_back(c, rb->getBinaryChunk()); break;
-      default: add.emplace_back(c, encodeText(rb->getString()));
-    }
-  }
+  DxfTagList add = tagsOfChain(codec(), chain);
   t.insert(t.begin() + static_cast<long>(begin), add.begin(), add.end());
 }

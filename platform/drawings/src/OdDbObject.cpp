@@ -5,6 +5,7 @@
 #include "drawings/OdDbDatabase.h"
 #include "drawings/OdDbDictionary.h"
 #include "drawings/OdDbSymbolTable.h"
+#include "ResBufTags.h"
 
 const OdRxClass* OdRxObject::desc() {
   static const OdRxClass cls(L"OdRxObject", nullptr, L"", nullptr);
@@ -191,58 +192,28 @@ void OdDbObject::removeTag(int code, Range r) {
   t.erase(t.begin() + i);
 }
 
-OdString OdDbObject::decodeText(std::string_view fileBytes) const {
-  if (OdDbDatabase* db = database()) return db->codec().decode(fileBytes);
-  return OdString::fromUtf8(fileBytes);
+const DxfCodec& OdDbObject::codec() const {
+  if (OdDbDatabase* db = database()) return db->codec();
+  static const DxfCodec utf8 = DxfCodec::make("", DxfVersion::R2018);  // objects not in a drawing yet
+  return utf8;
 }
 
-std::string OdDbObject::encodeText(const OdString& s) const {
-  if (OdDbDatabase* db = database()) return db->codec().encode(s.view());
-  return s.toUtf8();
-}
+OdString OdDbObject::decodeText(std::string_view fileBytes) const { return codec().decode(fileBytes); }
+
+std::string OdDbObject::encodeText(const OdString& s) const { return codec().encode(s.view()); }
 
 // ---- extended data ----
 
-static OdResBufPtr tagToResBuf(const OdDbObject& o, const DxfTagList& t, size_t& i) {
-  const DxfTag& tag = t[i];
-  OdResBufPtr rb = OdResBuf::newRb(tag.code);
-  switch (dxfTypeOf(tag.code)) {
-    case DxfType::Double:
-      if ((tag.code >= 1010 && tag.code <= 1013) && i + 1 < t.size() && t[i + 1].code == tag.code + 10) {
-        OdGePoint3d p{tag.toDouble(), t[i + 1].toDouble(), 0};
-        ++i;
-        if (i + 1 < t.size() && t[i + 1].code == tag.code + 20) p.z = t[++i].toDouble();
-        rb->setPoint3d(p);
-      } else {
-        rb->setDouble(tag.toDouble());
-      }
-      break;
-    case DxfType::Int16:
-    case DxfType::Int32:
-    case DxfType::Int64:
-    case DxfType::Bool: rb->setInt64(tag.toInt()); break;
-    case DxfType::Handle: rb->setHandle(OdDbHandle(tag.toHandle())); rb->setString(OdString::fromUtf8(tag.text)); break;
-    case DxfType::Binary: rb->setBinaryChunk(tag.text); break;
-    default: rb->setString(o.decodeText(tag.text));
-  }
-  return rb;
-}
-
 OdResBufPtr OdDbObject::xData(const OdString& regappName) const {
   const auto& t = tags();
-  OdResBufPtr head, tail;
-  bool inApp = false;
-  for (size_t i = xdataStart(); i < t.size(); ++i) {
-    if (t[i].code == 1001) {
-      if (inApp && !regappName.isEmpty()) break;
-      inApp = regappName.isEmpty() || decodeText(t[i].text).iCompare(regappName) == 0;
-    }
-    if (!inApp) continue;
-    OdResBufPtr rb = tagToResBuf(*this, t, i);
-    if (tail) tail = tail->setNext(rb);
-    else head = tail = rb;
+  size_t begin = xdataStart(), end = t.size();
+  if (!regappName.isEmpty()) {
+    for (begin = xdataStart(); begin < t.size(); ++begin)
+      if (t[begin].code == 1001 && decodeText(t[begin].text).iCompare(regappName) == 0) break;
+    for (end = begin + 1; end < t.size() && t[end].code != 1001;) ++end;
+    if (begin >= t.size()) return OdResBufPtr();
   }
-  return head;
+  return resBufChain(codec(), t, begin, end);
 }
 
 OdResBufPtr OdResBuf::last() {
@@ -251,36 +222,17 @@ OdResBufPtr OdResBuf::last() {
   return OdResBufPtr(p);
 }
 
-static void appendResBufTags(const OdDbObject& o, const OdResBuf* rb, DxfTagList& out) {
-  int code = rb->restype();
-  switch (dxfTypeOf(code)) {
-    case DxfType::Double:
-      if (code >= 1010 && code <= 1013) {
-        const auto& p = rb->getPoint3d();
-        out.emplace_back(code, dxfFormatDouble(p.x));
-        out.emplace_back(code + 10, dxfFormatDouble(p.y));
-        out.emplace_back(code + 20, dxfFormatDouble(p.z));
-      } else {
-        out.emplace_back(code, dxfFormatDouble(rb->getDouble()));
-      }
-      break;
-    case DxfType::Int16:
-    case DxfType::Int32:
-    case DxfType::Int64:
-    case DxfType::Bool: out.emplace_back(code, std::to_string(rb->getInt64())); break;
-    case DxfType::Handle: out.emplace_back(code, dxfFormatHandle(rb->getHandle().value())); break;
-    case DxfType::Binary: out.emplace_back(code, rb->getBinaryChunk()); break;
-    default: out.emplace_back(code, o.encodeText(rb->getString()));
-  }
-}
-
 void OdDbObject::setXData(const OdResBuf* xdata) {
   // Group the new data by application.
   std::vector<std::pair<OdString, DxfTagList>> groups;
   for (const OdResBuf* rb = xdata; rb; rb = rb->next().get()) {
     if (rb->restype() == 1001) groups.emplace_back(rb->getString(), DxfTagList());
     if (groups.empty()) throw OdError(eInvalidInput, "extended data must start with an application name (1001)");
-    appendResBufTags(*this, rb, groups.back().second);
+    OdResBufPtr one = OdResBuf::newRb(rb->restype());
+    *one = *rb;
+    one->setNext(OdResBufPtr());
+    DxfTagList t = tagsOfChain(codec(), one.get());
+    groups.back().second.insert(groups.back().second.end(), t.begin(), t.end());
   }
   auto& t = tagsForWrite();
   for (auto& [app, newTags] : groups) {

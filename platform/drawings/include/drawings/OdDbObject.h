@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "drawings/DxfCodec.h"
 #include "drawings/DxfTags.h"
 #include "drawings/OdDbObjectId.h"
 #include "drawings/OdResBuf.h"
@@ -91,6 +92,7 @@ public:
   void removeTag(int code, Range r);
 
   // Decoding and encoding of string values for this object's database.
+  const DxfCodec& codec() const;
   OdString decodeText(std::string_view fileBytes) const;
   std::string encodeText(const OdString& s) const;
 
