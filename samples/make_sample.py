@@ -16,6 +16,7 @@ import sys
 
 import ezdxf
 from ezdxf.entities.dimension import ArcDimension
+from ezdxf.entities.dimstyle import DimStyle
 from ezdxf.math import Vec2
 from ezdxf.render.dim_base import format_text
 
@@ -108,7 +109,7 @@ DIM = {"layer": "Dimensions"}
 CENTER = {"layer": "Center"}
 NOTE = {"layer": "Notes"}
 CHILD = {"linear": "$0", "angular": "$2", "diameter": "$3", "radius": "$4"}
-fixups = []  # (renderer, style name) whose text needs rewriting
+fixups = []  # (renderer, builder, style) of every rendered dimension
 
 
 def render(builder, style, kind=None):
@@ -138,9 +139,8 @@ def centre_cross(c, half):
     line((c[0], c[1] - half), (c[0], c[1] + half), CENTER)
 
 
-def text(s, at, height=2.5, align="LEFT"):
-    t = msp.add_text(s, height=height, dxfattribs=NOTE)
-    t.set_placement(at, align=ezdxf.enums.TextEntityAlignment[align])
+def text(s, at, height=2.5):
+    msp.add_text(s, height=height, dxfattribs=dict(NOTE, insert=at))
 
 
 def linear(p1, p2, base, style, angle=0, override=None):
@@ -214,7 +214,7 @@ render(b, "ISO-25", "diameter")
 
 # A note pointing at the plate's face; CAD programs draw the leader's arrow
 # from its style (ISO-25$7: a dot), here with a smaller size of its own.
-leader = msp.add_leader([(45, 80), (50, 126), (54, 126)], dimstyle="ISO-25",
+msp.add_leader([(45, 80), (50, 126), (54, 126)], dimstyle="ISO-25",
                         override={"dimasz": 1.5}, dxfattribs=DIM)
 msp.add_mtext("PLATE t=8", dxfattribs=dict(
     NOTE, char_height=2.5, insert=(55, 126), attachment_point=4))
@@ -277,7 +277,7 @@ for i, (label, style, override) in enumerate(rows):
     linear((LX, y - 18), (LX + 60, y - 18), (0, y - 10), style,
            override=override)
 
-mt = msp.add_mtext(
+msp.add_mtext(
     "Child styles of ISO-25:\\P"
     "ISO-25$0  linear: open 30\u00b0 arrows\\P"
     "ISO-25$2  angular: degrees and minutes\\P"
@@ -351,8 +351,6 @@ doc.header["$DIMAZIN"] = 0
 # Write each style as CAD programs do: only the codes whose value differs from
 # imperial, plus name, flags and text style. The library writes every code, so
 # the saved records are thinned out tag by tag.
-from ezdxf.entities.dimstyle import DimStyle  # noqa: E402
-
 DEFAULT_BY_CODE = {}
 for key, default in IMPERIAL.items():
     attr = DimStyle.DXFATTRIBS.get(key)
