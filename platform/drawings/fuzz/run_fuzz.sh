@@ -27,15 +27,17 @@ mkdir -p "$work/seeds" "$build/fuzz-artifacts"
 for f in LibreDWG__libredwg__r10-entities.dxf LibreDWG__libredwg__r11-entities-2d.dxf \
          LibreDWG__libredwg__dim.dxf openscad__openscad__dim-all.dxf \
          LibreDWG__libredwg__2000-entities-2d.dxf mozman__ezdxf__duplicate_handles.dxf; do
-  [ -f "$corpus/$f" ] && cp "$corpus/$f" "$work/seeds/"
+  if [ -f "$corpus/$f" ]; then cp "$corpus/$f" "$work/seeds/"; fi
 done
-# The only binary file at hand is large, so two small binary drawings are written here:
-# two-byte group codes (R13 and later) and one-byte codes (R12).
-sentinel='AutoCAD Binary DXF\r\n\032\0'
-printf "${sentinel}"'\0\0SECTION\0\002\0ENTITIES\0\0\0LINE\0\010\0000\0\012\0\0\0\0\0\0\0\360\077\0\0ENDSEC\0\0\0EOF\0' \
-  > "$work/seeds/binary.dxf"
-printf "${sentinel}"'\0SECTION\0\002ENTITIES\0\0LINE\0\0100\0\012\0\0\0\0\0\0\360\077\0ENDSEC\0\0EOF\0' \
-  > "$work/seeds/binary-r12.dxf"
+# The only binary file at hand is large, so two small binary drawings are written here,
+# behind its 22-byte marker: two-byte group codes (R13 and later) and one-byte codes (R12).
+head -c 22 "$corpus/DomCR__ACadSharp__sample_AC1015_binary.dxf" > "$work/marker"
+{ cat "$work/marker"
+  printf '\0\0SECTION\0\002\0ENTITIES\0\0\0LINE\0\010\0000\0\012\0\0\0\0\0\0\0\360\077\0\0ENDSEC\0\0\0EOF\0'
+} > "$work/seeds/binary.dxf"
+{ cat "$work/marker"
+  printf '\0SECTION\0\002ENTITIES\0\0LINE\0\0100\0\012\0\0\0\0\0\0\360\077\0ENDSEC\0\0EOF\0'
+} > "$work/seeds/binary-r12.dxf"
 
 cat > "$work/dxf.dict" <<'DICT'
 "0\x0aSECTION\x0a"
