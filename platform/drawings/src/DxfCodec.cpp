@@ -215,18 +215,6 @@ std::shared_ptr<const CodeTable> tableFor(const CodePageInfo& info) {
   return slot;
 }
 
-void appendCodePoint(std::wstring& out, char32_t cp) {
-  if constexpr (sizeof(wchar_t) == 2) {
-    if (cp >= 0x10000) {
-      cp -= 0x10000;
-      out += static_cast<wchar_t>(0xD800 + (cp >> 10));
-      out += static_cast<wchar_t>(0xDC00 + (cp & 0x3FF));
-      return;
-    }
-  }
-  out += static_cast<wchar_t>(cp);
-}
-
 int hexDigit(char c) {
   if (c >= '0' && c <= '9') return c - '0';
   if (c >= 'A' && c <= 'F') return c - 'A' + 10;
@@ -382,7 +370,7 @@ OdString DxfCodec::decode(std::string_view bytes) const {
       cp = kRawByteBase + c;
       len = 1;
     }
-    appendCodePoint(out, cp);
+    odstr::appendCodePoint(out, cp);
     i += len;
   }
   return OdString(std::move(out));

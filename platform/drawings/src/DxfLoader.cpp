@@ -37,6 +37,12 @@ static bool isFraming(std::string_view type) {
 
 // Reads the tags of one chunk: a 0 tag and everything up to the next 0 tag. Notes
 // what the structure needs (handle, owner, name) on the way; every tag is checked.
+std::string_view DxfLoader::pendingType() const {
+  std::string_view type = m_pending.value;
+  while (!type.empty() && type.back() == ' ') type.remove_suffix(1);
+  return type;
+}
+
 bool DxfLoader::nextChunk(Chunk& c) {
   if (!m_havePending) return false;
   c = Chunk();
@@ -232,10 +238,8 @@ void DxfLoader::readHeader(const Chunk& c) {
 void DxfLoader::readPlain(DxfSection& s) {
   Chunk c;
   while (m_havePending) {
-    std::string_view type = m_pending.value;
-    while (!type.empty() && type.back() == ' ') type.remove_suffix(1);
-    if (type == "ENDSEC") return;
-    if (type == "SECTION" || type == "EOF") {
+    if (pendingType() == "ENDSEC") return;
+    if (pendingType() == "SECTION" || pendingType() == "EOF") {
       nextChunk(c);
       fail(c, "0/ENDSEC to close section " + s.name);
     }
@@ -247,9 +251,7 @@ void DxfLoader::readPlain(DxfSection& s) {
 void DxfLoader::readTables(DxfSection& s) {
   Chunk c;
   while (m_havePending) {
-    std::string_view type = m_pending.value;
-    while (!type.empty() && type.back() == ' ') type.remove_suffix(1);
-    if (type == "ENDSEC") return;
+    if (pendingType() == "ENDSEC") return;
     nextChunk(c);
     if (c.type != "TABLE") fail(c, "0/TABLE or 0/ENDSEC in the TABLES section");
     const DxfTableKind* kind = dxfTableKind(c.name);
@@ -301,9 +303,7 @@ OdDbBlockTableRecord* DxfLoader::blockFor(const Chunk& b) {
 void DxfLoader::readBlocks(DxfSection& s) {
   Chunk c;
   while (m_havePending) {
-    std::string_view type = m_pending.value;
-    while (!type.empty() && type.back() == ' ') type.remove_suffix(1);
-    if (type == "ENDSEC") return;
+    if (pendingType() == "ENDSEC") return;
     nextChunk(c);
     if (c.type != "BLOCK") fail(c, "0/BLOCK or 0/ENDSEC in the BLOCKS section");
     OdDbObjectPtr begin = make(c, OdDbBlockBegin::desc());
@@ -378,9 +378,7 @@ OdDbBlockTableRecord* DxfLoader::syntheticBlock(const Chunk& c) {
 void DxfLoader::readEntities(DxfSection& s) {
   Chunk c;
   while (m_havePending) {
-    std::string_view type = m_pending.value;
-    while (!type.empty() && type.back() == ' ') type.remove_suffix(1);
-    if (type == "ENDSEC") return;
+    if (pendingType() == "ENDSEC") return;
     nextChunk(c);
     if (isFraming(c.type)) fail(c, "an entity or 0/ENDSEC to close section ENTITIES");
     OdDbObjectPtr ent = make(c, dxfEntityClass(c.type));
@@ -393,9 +391,7 @@ void DxfLoader::readEntities(DxfSection& s) {
 void DxfLoader::readObjects(DxfSection& s) {
   Chunk c;
   while (m_havePending) {
-    std::string_view type = m_pending.value;
-    while (!type.empty() && type.back() == ' ') type.remove_suffix(1);
-    if (type == "ENDSEC") return;
+    if (pendingType() == "ENDSEC") return;
     nextChunk(c);
     if (isFraming(c.type)) fail(c, "an object or 0/ENDSEC to close section OBJECTS");
     OdDbObjectPtr obj = make(c, dxfObjectClass(c.type));

@@ -25,6 +25,8 @@ private:
   };
 
   bool nextChunk(Chunk& c);
+  // The type of the chunk that nextChunk reads next (valid while m_havePending).
+  std::string_view pendingType() const;
   [[noreturn]] void fail(const Chunk& at, const std::string& expected) const;
   void readHeader(const Chunk& c);
   void readTables(DxfSection& s);

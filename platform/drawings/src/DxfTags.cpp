@@ -113,6 +113,10 @@ static bool looksLikeNumber(std::string_view s, bool allowFraction) {
     double d;
     return parseDouble(s, d);
   }
+  if (!allowFraction && digits > 18) {
+    int64_t v;  // an integer that does not fit in 64 bits is no integer we can keep
+    return parseInt(s, v);
+  }
   if (i < n && (s[i] == 'e' || s[i] == 'E')) {
     if (!allowFraction) {
       double d;

@@ -6,7 +6,7 @@
 
 namespace odstr {
 
-static void appendCodePoint(std::wstring& out, char32_t cp) {
+void appendCodePoint(std::wstring& out, char32_t cp) {
   if constexpr (sizeof(wchar_t) == 2) {
     if (cp >= 0x10000) {
       cp -= 0x10000;

@@ -236,6 +236,12 @@ const std::vector<AsciiCase>& asciiCases() {
          f.setValue(i, "0x1F");
          return Broken{f.join(), lineNo(i + 1), {"group code 70", "expected an integer, found \"0x1F\""}};
        }},
+      {"integer beyond 64 bits",
+       [](Lines f) {
+         size_t i = f.findCode(70, f.section("TABLES"));
+         f.setValue(i, "123456789012345678901");
+         return Broken{f.join(), lineNo(i + 1), {"group code 70", "expected an integer, found \"123456789012345678901\""}};
+       }},
       {"no ENDSEC after HEADER",
        [](Lines f) {
          size_t i = f.find(0, "ENDSEC");

@@ -56,6 +56,8 @@ wchar_t foldCase(wchar_t c);
 std::wstring folded(std::wstring_view s);
 std::wstring widen(std::string_view utf8);
 std::string narrow(std::wstring_view wide);
+// Appends a code point, as a surrogate pair where wchar_t is 16 bits.
+void appendCodePoint(std::wstring& out, char32_t cp);
 }  // namespace odstr
 
 template <>
