@@ -307,7 +307,9 @@ TEST(Database, NewDrawingsAreCompleteForEveryVersion) {
     for (bool metric : {false, true}) {
       OdDbDatabasePtr db = OdDbDatabase::createNew(v, metric);
       EXPECT_EQ(db->version(), v);
-      if (v > DxfVersion::R12) EXPECT_EQ(db->getMEASUREMENT(), metric ? 1 : 0);
+      if (v > DxfVersion::R12) {
+        EXPECT_EQ(db->getMEASUREMENT(), metric ? 1 : 0);
+      }
       EXPECT_FALSE(db->getModelSpaceId().isNull());
       auto layers = odOpen<OdDbSymbolTable>(db->getLayerTableId());
       EXPECT_FALSE(layers->getAt(L"0").isNull());
@@ -316,7 +318,9 @@ TEST(Database, NewDrawingsAreCompleteForEveryVersion) {
       EXPECT_FALSE(cur.isNull()) << dxfver::keyword(v);
       EXPECT_EQ(odOpen<OdDbSymbolTableRecord>(cur)->getName().iCompare(metric ? L"ISO-25" : L"Standard"), 0);
       EXPECT_FALSE(odOpen<OdDbSymbolTable>(db->getTextStyleTableId())->getAt(L"Standard").isNull());
-      if (v >= DxfVersion::R2000) EXPECT_FALSE(db->getNamedObjectsDictionaryId().isNull());
+      if (v >= DxfVersion::R2000) {
+        EXPECT_FALSE(db->getNamedObjectsDictionaryId().isNull());
+      }
       EXPECT_TRUE(db->loadWarnings().empty());
     }
   }
@@ -346,8 +350,9 @@ TEST(Database, NamesSurviveConversionBetweenCodePagesAndUtf8) {
       OdDbDatabasePtr again = OdDbDatabase::readDxf(bytes);
       EXPECT_EQ(names(*again), original) << name << " as " << dxfver::keyword(v);
       // Text before R2007 is in the code page: no UTF-8 sequences may appear in it.
-      if (v < DxfVersion::R2007 && again->codec().codePageName() != "ANSI_1252")
+      if (v < DxfVersion::R2007 && again->codec().codePageName() != "ANSI_1252") {
         EXPECT_EQ(bytes.find("\xE4\xB8"), std::string::npos) << name;
+      }
     }
   }
 }
