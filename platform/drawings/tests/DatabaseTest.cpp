@@ -121,8 +121,10 @@ TEST(Database, TablesLookUpNamesCaseInsensitivelyInFileOrder) {
     EXPECT_EQ(styles->getAt(other), id) << name.toUtf8();
   }
   bool sawCyrillic = false;
-  for (auto& id : ids)
-    for (wchar_t c : odOpen<OdDbSymbolTableRecord>(id)->getName().str()) sawCyrillic |= c >= 0x410 && c <= 0x44F;
+  for (auto& id : ids) {
+    OdString name = odOpen<OdDbSymbolTableRecord>(id)->getName();
+    for (wchar_t c : name.str()) sawCyrillic |= c >= 0x410 && c <= 0x44F;
+  }
   EXPECT_TRUE(sawCyrillic);
   EXPECT_TRUE(styles->getAt(L"no such style").isNull());
 }
