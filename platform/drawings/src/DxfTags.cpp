@@ -135,11 +135,13 @@ static bool isHexText(std::string_view s) {
   size_t n = s.size();
   while (n > 0 && (s[n - 1] == ' ' || s[n - 1] == '\r')) --n;
   if (n % 2) return false;
-  unsigned bad = 0;
+  // Byte arithmetic only, so that the loop runs sixteen or more bytes at a time.
+  uint8_t bad = 0;
+  const auto* p = reinterpret_cast<const uint8_t*>(s.data());
   for (size_t i = 0; i < n; ++i) {
-    unsigned char c = static_cast<unsigned char>(s[i]);
-    unsigned char l = c | 0x20;
-    bad |= !((c - '0' < 10u) | (l - 'a' < 6u));
+    uint8_t digit = static_cast<uint8_t>(p[i] - '0');
+    uint8_t letter = static_cast<uint8_t>((p[i] | 0x20) - 'a');
+    bad |= static_cast<uint8_t>((digit > 9) & (letter > 5));
   }
   return bad == 0;
 }
@@ -183,11 +185,22 @@ bool DxfTagScanner::nextAscii(DxfRawTag& tag) {
   const void* nl = std::memchr(base + m_pos, '\n', n - m_pos);
   if (!nl) fail(m_line, INT32_MIN, "a group code line ended by a line break");
   size_t codeEnd = static_cast<size_t>(static_cast<const char*>(nl) - base);
-  std::string_view codeText = trimmed(m_data.substr(m_pos, codeEnd - m_pos));
+  // Group codes are short: read the digits directly (blanks may pad either side).
+  size_t p = m_pos, e = codeEnd;
+  while (p < e && base[p] == ' ') ++p;
+  while (e > p && (base[e - 1] == ' ' || base[e - 1] == '\r' || base[e - 1] == '\t')) --e;
+  bool negative = p < e && base[p] == '-';
+  size_t d = negative ? p + 1 : p;
   int code = 0;
-  auto r = std::from_chars(codeText.data(), codeText.data() + codeText.size(), code);
-  if (codeText.empty() || r.ec != std::errc() || r.ptr != codeText.data() + codeText.size())
-    fail(m_line, INT32_MIN, "a group code (an integer), found \"" + std::string(codeText.substr(0, 40)) + "\"");
+  bool digitsOnly = d < e && e - d <= 6;
+  for (size_t k = d; digitsOnly && k < e; ++k) {
+    unsigned digit = static_cast<unsigned>(base[k] - '0');
+    if (digit > 9) digitsOnly = false;
+    else code = code * 10 + static_cast<int>(digit);
+  }
+  if (!digitsOnly)
+    fail(m_line, INT32_MIN, "a group code (an integer), found \"" + std::string(m_data.substr(p, std::min<size_t>(e - p, 40))) + "\"");
+  if (negative) code = -code;
   if (code < 0 || code > 1071) fail(m_line, code, "a group code between 0 and 1071");
   size_t vStart = codeEnd + 1;
   if (vStart >= n) fail(m_line + 1, code, "a value line");
