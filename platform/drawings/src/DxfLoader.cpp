@@ -135,9 +135,9 @@ void DxfLoader::load(std::shared_ptr<const std::string> bytes) {
   }
   m_db.m_style.format = m_db.m_format;
   m_db.m_style.shortCodes = shortCodes;
-  // About one object per 250 bytes in real files: avoid rehashing while loading.
-  m_db.m_stubs.reserve(m_data.size() / 250 + 64);
-  m_db.m_objects.reserve(m_data.size() / 250 + 64);
+  // Real files hold one object per 130 to 300 bytes: avoid rehashing while loading.
+  m_db.m_stubs.reserve(m_data.size() / 128 + 64);
+  m_db.m_objects.reserve(m_data.size() / 128 + 64);
   m_scanner = std::make_unique<DxfTagScanner>(m_data, m_db.m_format, shortCodes, start, 1);
 
   // Comments (999) before the first 0 tag are kept as they are.
@@ -428,14 +428,16 @@ void DxfLoader::finish() {
 }
 
 OdDbBlockTableRecord* DxfLoader::layoutBlock(bool paper) {
+  OdDbBlockTableRecord*& known = paper ? m_paperSpace : m_modelSpace;
+  if (known) return known;
   const wchar_t* names[] = {paper ? L"*Paper_Space" : L"*Model_Space", paper ? L"$PAPER_SPACE" : L"$MODEL_SPACE"};
   if (auto bt = OdSmartPtr<OdDbSymbolTable>::cast(m_db.getBlockTableId().openObject()))
     for (const wchar_t* n : names) {
       OdDbObjectId id = bt->getAt(n);
-      if (!id.isNull()) return static_cast<OdDbBlockTableRecord*>(id.stub()->object);
+      if (!id.isNull()) return known = static_cast<OdDbBlockTableRecord*>(id.stub()->object);
     }
   Chunk c;
   std::string name = paper ? "*Paper_Space" : "*Model_Space";
   c.name = name;
-  return syntheticBlock(c);
+  return known = syntheticBlock(c);
 }

@@ -64,9 +64,7 @@ std::string DxfWriter::write() {
 
 void DxfWriter::writeId(const OdDbObjectId& id) {
   const OdDbObject* o = id.stub() ? id.stub()->object : nullptr;
-  if (!o || o->isErased()) return;
-  if (o->isKindOf(OdDbBlockTableRecord::desc()) && static_cast<const OdDbBlockTableRecord*>(o)->synthetic) return;
-  writeObject(o);
+  if (o && !o->isErased()) writeObject(o);
 }
 
 void DxfWriter::writeTables(const DxfSection& s) {
@@ -75,7 +73,14 @@ void DxfWriter::writeTables(const DxfSection& s) {
     if (table->isErased()) continue;
     if (m_downToR12 && table->tableName() == L"BLOCK_RECORD") continue;
     writeObject(table);
-    for (auto& id : table->records()) writeId(id);
+    const bool blocks = table->isKindOf(OdDbBlockTable::desc());
+    for (auto& id : table->records()) {
+      // Records made up for blocks that had none in the file are not written.
+      if (blocks && id.stub() && id.stub()->object &&
+          static_cast<const OdDbBlockTableRecord*>(id.stub()->object)->synthetic)
+        continue;
+      writeId(id);
+    }
     if (table->endTab) writeObject(table->endTab.get());
   }
 }

@@ -108,6 +108,20 @@ void OdDbObject::parseTags() const {
   m_tags = std::move(list);
 }
 
+std::optional<std::string> OdDbObject::firstValue(int code) const {
+  if (m_tags) {
+    for (const auto& t : *m_tags)
+      if (t.code == code) return t.text;
+    return std::nullopt;
+  }
+  bool shortCodes = m_rawFormat == DxfFormat::Binary && database() && dxfver::binaryShortCodes(database()->version());
+  DxfTagScanner sc(m_raw, m_rawFormat, shortCodes, 0, m_line);
+  DxfRawTag rt;
+  while (sc.next(rt))
+    if (rt.code == code) return dxfValueText(rt, m_rawFormat);
+  return std::nullopt;
+}
+
 const DxfTagList& OdDbObject::tags() const {
   if (!m_tags) parseTags();
   return *m_tags;

@@ -38,8 +38,10 @@ OdDbObject::Range OdDbSymbolTableRecord::recordRange() const {
 }
 
 OdString OdDbSymbolTableRecord::getName() const {
-  long i = findTag(2, recordRange());
-  return i < 0 ? OdString() : decodeText(tags()[static_cast<size_t>(i)].text);
+  // Nothing before a record's name uses code 2, so the first one is the name; this
+  // way looking names up does not parse whole records.
+  auto v = firstValue(2);
+  return v ? decodeText(*v) : OdString();
 }
 
 void OdDbSymbolTableRecord::setName(const OdString& name) {

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -90,6 +91,10 @@ public:
   // last tag whose code comes earlier in `order` when it is missing.
   void setTagText(int code, std::string text, Range r, std::initializer_list<int> order = {});
   void removeTag(int code, Range r);
+
+  // The value of the first tag with `code`, read from the original bytes without
+  // parsing the whole object (falls back to the parsed tags once there are any).
+  std::optional<std::string> firstValue(int code) const;
 
   // Decoding and encoding of string values for this object's database.
   const DxfCodec& codec() const;
