@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cctype>
 
+// Versions a drawing can be saved as; new drawings can also be R13 or R14.
 static const std::vector<std::string> kVersionKeywords = {"R12", "R2000", "R2004", "R2007", "R2010", "R2013", "R2018"};
 
 std::string HostDocument::title() const { return path.empty() ? std::string("Drawing") : path; }
@@ -80,8 +81,8 @@ void HostSession::cmdOpen() {
 
 void HostSession::cmdNew() {
   DxfVersion version = DxfVersion::R2018;
-  std::vector<std::string> keywords = {"Imperial", "Metric"};
-  keywords.insert(keywords.end(), kVersionKeywords.begin(), kVersionKeywords.end());
+  std::vector<std::string> keywords = {"Imperial", "Metric", "R12", "R13", "R14"};
+  keywords.insert(keywords.end(), kVersionKeywords.begin() + 1, kVersionKeywords.end());
   for (;;) {
     std::string k = m_cl.getKeywordOrText("Units of the new drawing (" + std::string(dxfver::keyword(version)) + ")",
                                          keywords, "Imperial", false);
