@@ -4,6 +4,9 @@
 #include <charconv>
 #include <cmath>
 #include <cstring>
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 static DxfType typeByRange(int code) {
   if (code >= 0 && code <= 9) return code == 5 ? DxfType::Handle : DxfType::String;
@@ -177,14 +180,46 @@ bool DxfTagScanner::next(DxfRawTag& tag) {
   return m_format == DxfFormat::Ascii ? nextAscii(tag) : nextBinary(tag);
 }
 
+// Lines are short (a few bytes each), so a library search per line costs more
+// than the search itself: the line breaks of 64 bytes at a time are found at once
+// and kept as a bit mask.
+size_t DxfTagScanner::findNewline(size_t from) {
+  const size_t n = m_data.size();
+  while (from < n) {
+    const size_t block = from & ~size_t(63);
+    if (block != m_maskBase || !m_maskValid) {
+      m_maskBase = block;
+      m_maskValid = true;
+      m_mask = 0;
+      const char* p = m_data.data() + block;
+      if (block + 64 <= n) {
+#if defined(__SSE2__)
+        const __m128i lf = _mm_set1_epi8('\n');
+        for (int k = 0; k < 4; ++k) {
+          __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + 16 * k));
+          m_mask |= static_cast<uint64_t>(static_cast<uint16_t>(_mm_movemask_epi8(_mm_cmpeq_epi8(v, lf)))) << (16 * k);
+        }
+#else
+        for (int k = 0; k < 64; ++k) m_mask |= static_cast<uint64_t>(p[k] == '\n') << k;
+#endif
+      } else {
+        for (size_t k = 0; block + k < n; ++k) m_mask |= static_cast<uint64_t>(p[k] == '\n') << k;
+      }
+    }
+    uint64_t m = m_mask >> (from - block);
+    if (m) return from + static_cast<size_t>(__builtin_ctzll(m));
+    from = block + 64;
+  }
+  return std::string_view::npos;
+}
+
 bool DxfTagScanner::nextAscii(DxfRawTag& tag) {
   const size_t n = m_data.size();
   if (m_pos >= n) return false;
   const size_t start = m_pos;
   const char* base = m_data.data();
-  const void* nl = std::memchr(base + m_pos, '\n', n - m_pos);
-  if (!nl) fail(m_line, INT32_MIN, "a group code line ended by a line break");
-  size_t codeEnd = static_cast<size_t>(static_cast<const char*>(nl) - base);
+  size_t codeEnd = findNewline(m_pos);
+  if (codeEnd == std::string_view::npos) fail(m_line, INT32_MIN, "a group code line ended by a line break");
   // Group codes are short: read the digits directly (blanks may pad either side).
   size_t p = m_pos, e = codeEnd;
   while (p < e && base[p] == ' ') ++p;
@@ -204,8 +239,9 @@ bool DxfTagScanner::nextAscii(DxfRawTag& tag) {
   if (code < 0 || code > 1071) fail(m_line, code, "a group code between 0 and 1071");
   size_t vStart = codeEnd + 1;
   if (vStart >= n) fail(m_line + 1, code, "a value line");
-  nl = std::memchr(base + vStart, '\n', n - vStart);
-  size_t vEnd = nl ? static_cast<size_t>(static_cast<const char*>(nl) - base) : n;
+  size_t vEnd = findNewline(vStart);
+  const bool nl = vEnd != std::string_view::npos;
+  if (!nl) vEnd = n;
   if (!nl && code != 0) fail(m_line + 1, code, "a value line ended by a line break");
   std::string_view value = m_data.substr(vStart, vEnd - vStart);
   if (!value.empty() && value.back() == '\r') value.remove_suffix(1);

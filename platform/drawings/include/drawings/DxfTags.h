@@ -43,6 +43,7 @@ public:
 
 private:
   bool nextAscii(DxfRawTag& tag);
+  size_t findNewline(size_t from);
   bool nextBinary(DxfRawTag& tag);
   [[noreturn]] void fail(uint32_t where, int code, const std::string& expected) const;
 
@@ -51,6 +52,9 @@ private:
   bool m_shortCodes;
   size_t m_pos;
   uint32_t m_line;
+  size_t m_maskBase = 0;  // the 64-byte block whose line breaks m_mask holds
+  uint64_t m_mask = 0;
+  bool m_maskValid = false;
 };
 
 // Checks that an ASCII value is well formed for its code; returns what was
