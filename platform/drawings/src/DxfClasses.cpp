@@ -6,7 +6,12 @@
 #include <vector>
 
 #include "drawings/OdDbDictionary.h"
+#include "drawings/OdDbDimension.h"
+#include "drawings/OdDbDimStyleTableRecord.h"
+#include "drawings/OdDbGeometry.h"
+#include "drawings/OdDbLeader.h"
 #include "drawings/OdDbSymbolTable.h"
+#include "drawings/OdDbText.h"
 
 const DxfTableKind* dxfTableKind(std::string_view name) {
   // Order of the slots: block, layer, linetype, text style, dimension style,
@@ -43,8 +48,13 @@ static ClassMap makeMap(std::initializer_list<const OdRxClass*> classes) {
   return m;
 }
 
-const OdRxClass* dxfEntityClass(std::string_view name) {
-  static const ClassMap m = makeMap({OdDbSequenceEnd::desc()});
+const OdRxClass* dxfEntityClass(std::string_view name, int typeCode) {
+  // A DIMENSION's class follows its type code.
+  if (name == "DIMENSION") return odDimensionClassOfType(typeCode);
+  static const ClassMap m = makeMap({OdDbSequenceEnd::desc(), OdDbArcDimension::desc(), VxHugeRadius::desc(),
+                                      OdDbLine::desc(), OdDbCircle::desc(), OdDbArc::desc(), OdDbPoint::desc(),
+                                      OdDbSolid::desc(), OdDbPolyline::desc(), OdDbBlockReference::desc(),
+                                      OdDbText::desc(), OdDbMText::desc(), OdDbLeader::desc()});
   auto it = m.find(name);
   return it == m.end() ? OdDbEntity::desc() : it->second;
 }

@@ -14,5 +14,6 @@ struct DxfTableKind {
 // The table named by a TABLE's code 2 ("LAYER", ...); null for an unknown table.
 const DxfTableKind* dxfTableKind(std::string_view tableName);
 // Entities and objects we do not type yet are kept as their tags.
-const OdRxClass* dxfEntityClass(std::string_view dxfName);
+// `typeCode`: the entity's first code 70 (a DIMENSION's type).
+const OdRxClass* dxfEntityClass(std::string_view dxfName, int typeCode = 0);
 const OdRxClass* dxfObjectClass(std::string_view dxfName);

@@ -76,6 +76,11 @@ bool DxfLoader::nextChunk(Chunk& c) {
       c.owner = hexValue(t.value);
     } else if (t.code == 2 && c.name.empty()) {
       c.name = t.value;
+    } else if (t.code == 70 && !c.has70) {
+      c.has70 = true;
+      DxfTag v;
+      v.text = dxfValueText(t, m_db.m_format);
+      c.first70 = static_cast<int>(v.toInt());
     } else if (t.code == 67 && t.value.find('1') != std::string_view::npos) {
       c.paperSpace = m_db.m_format == DxfFormat::Ascii ? true : (t.value[0] != 0);
     }
@@ -332,7 +337,7 @@ void DxfLoader::readBlocks(DxfSection& s) {
       }
       if (isFraming(e.type))
         fail(e, "0/ENDBLK to close block " + std::string(c.name));
-      OdDbObjectPtr ent = make(e, dxfEntityClass(e.type));
+      OdDbObjectPtr ent = make(e, dxfEntityClass(e.type, e.first70));
       place(ent.get(), e);
       if (!e.hasOwner) ent->setOwnerIdRaw(btr->objectId());
       btr->entities().push_back(ent->objectId());
@@ -381,7 +386,7 @@ void DxfLoader::readEntities(DxfSection& s) {
     if (pendingType() == "ENDSEC") return;
     nextChunk(c);
     if (isFraming(c.type)) fail(c, "an entity or 0/ENDSEC to close section ENTITIES");
-    OdDbObjectPtr ent = make(c, dxfEntityClass(c.type));
+    OdDbObjectPtr ent = make(c, dxfEntityClass(c.type, c.first70));
     place(ent.get(), c);
     s.items.push_back(ent);
     m_sectionEntities.push_back({ent.get(), c.paperSpace});

@@ -21,6 +21,8 @@ private:
     uint64_t handle = 0;
     uint64_t owner = 0;
     uint32_t line = 0;
+    int first70 = 0;  // the first code 70 (a DIMENSION's type)
+    bool has70 = false;
     bool hasHandle = false, hasOwner = false, paperSpace = false;
   };
 

@@ -10,6 +10,7 @@
 #include "DxfLoader.h"
 #include "DxfWriter.h"
 #include "ResBufTags.h"
+#include "UndoHistory.h"
 #include "drawings/NewDrawing.h"
 
 const OdRxClass* OdDbDatabase::desc() {
@@ -108,6 +109,7 @@ OdDbObjectId OdDbDatabase::addOdDbObject(OdDbObject* object, OdDbObjectId ownerI
   id.stub()->object = object;
   object->attach(id.stub());
   m_objects.emplace_back(object);
+  if (m_undo) m_undo->recordNew(object);
   object->setOpenMode(OdDb::kForWrite);
   // A new object's tags start with its name and handle; the owner follows.
   DxfTagList& t = object->tagsForWrite();
@@ -201,6 +203,7 @@ void OdDbDatabase::setHeaderVar(const OdString& name, const OdResBuf* values) {
   std::string n = name.toUtf8();
   DxfTagList fresh = tagsOfChain(m_codec, values);
   VarRange r = findVar(*m_header, n);
+  recordUndo(m_header.get());  // the header has no handle, so it cannot record itself
   DxfTagList& t = m_header->tagsForWrite();
   if (r.found && r.end - r.begin == fresh.size()) {
     // Same shape: change values in place, so untouched parts keep their spelling.

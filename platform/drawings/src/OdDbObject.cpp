@@ -61,8 +61,13 @@ OdDbObjectPtr OdDbObjectId::safeOpenObject(OdDb::OpenMode mode, bool openErased)
 
 OdDbObject::~OdDbObject() = default;
 
+void OdDbObject::noteChange() {
+  if (OdDbDatabase* db = database()) db->recordUndo(this);
+}
+
 void OdDbObject::setOwnerId(OdDbObjectId owner) {
   if (owner == m_owner) return;
+  noteChange();
   m_owner = owner;
   if (m_raw.empty() && !m_tags) return;
   // The owner is the 330 of the common part (outside the 102 groups).
@@ -74,6 +79,7 @@ void OdDbObject::setOwnerId(OdDbObjectId owner) {
 
 OdResult OdDbObject::erase(bool erasing) {
   if (m_erased == erasing) return erasing ? eWasErased : eOk;
+  noteChange();
   m_erased = erasing;
   m_modified = true;
   // A table's name index must not find erased records.
@@ -84,6 +90,7 @@ OdResult OdDbObject::erase(bool erasing) {
 
 void OdDbObject::assertWriteEnabled() {
   if (m_openMode != OdDb::kForWrite && database()) throw OdError(eNotOpenForWrite);
+  noteChange();
   m_modified = true;
 }
 
@@ -128,6 +135,7 @@ const DxfTagList& OdDbObject::tags() const {
 }
 
 DxfTagList& OdDbObject::tagsForWrite() {
+  noteChange();
   if (!m_tags) parseTags();
   m_modified = true;
   return *m_tags;

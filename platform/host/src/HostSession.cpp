@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstdlib>
 
 // Versions a drawing can be saved as; new drawings can also be R13 or R14.
 static const std::vector<std::string> kVersionKeywords = {"R12", "R2000", "R2004", "R2007", "R2010", "R2013", "R2018"};
@@ -9,19 +10,21 @@ static const std::vector<std::string> kVersionKeywords = {"R12", "R2000", "R2004
 std::string HostDocument::title() const { return path.empty() ? std::string("Drawing") : path; }
 
 HostSession::HostSession(HostCommandLine& cl) : m_cl(cl) {
-  addCommand("OPEN", [this] { cmdOpen(); });
-  addCommand("NEW", [this] { cmdNew(); });
-  addCommand("SAVE", [this] { cmdSave(); });
-  addCommand("SAVEAS", [this] { cmdSaveAs(); });
-  addCommand("CLOSE", [this] { cmdClose(); });
-  addCommand("QUIT", [this] { m_quit = true; });
-  addCommand("EXIT", [this] { m_quit = true; });
+  addCommand("OPEN", [this] { cmdOpen(); }, false);
+  addCommand("NEW", [this] { cmdNew(); }, false);
+  addCommand("SAVE", [this] { cmdSave(); }, false);
+  addCommand("SAVEAS", [this] { cmdSaveAs(); }, false);
+  addCommand("CLOSE", [this] { cmdClose(); }, false);
+  addCommand("QUIT", [this] { m_quit = true; }, false);
+  addCommand("EXIT", [this] { m_quit = true; }, false);
+  addCommand("UNDO", [this] { cmdUndo(); }, false);
+  addCommand("REDO", [this] { cmdRedo(); }, false);
 }
 
-void HostSession::addCommand(const std::string& name, Command handler) {
+void HostSession::addCommand(const std::string& name, Command handler, bool undoable) {
   std::string n = name;
   for (auto& c : n) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-  m_commands[n] = std::move(handler);
+  m_commands[n] = CommandEntry{std::move(handler), undoable};
 }
 
 HostDocument* HostSession::activeDocument() { return m_docs.empty() ? nullptr : m_docs[m_active].get(); }
@@ -50,7 +53,18 @@ bool HostSession::runCommand(const std::string& name) {
   if (!n.empty() && n[0] == '_') n.erase(0, 1);
   auto it = m_commands.find(n);
   if (it == m_commands.end()) return false;
-  it->second();
+  HostDocument* doc = activeDocument();
+  if (!it->second.undoable || !doc) {
+    it->second.handler();
+    return true;
+  }
+  // The group closes however the command ends, so a failed command is one step too.
+  struct Group {
+    OdDbDatabasePtr db;
+    ~Group() { db->endUndoGroup(); }
+  } group{doc->database};
+  group.db->beginUndoGroup(OdString::fromUtf8(n));
+  it->second.handler();
   return true;
 }
 
@@ -168,4 +182,49 @@ void HostSession::cmdClose() {
   }
   m_docs.erase(m_docs.begin() + static_cast<long>(m_active));
   m_active = m_docs.empty() ? 0 : m_docs.size() - 1;
+}
+
+void HostSession::cmdUndo() {
+  HostDocument* doc = activeDocument();
+  if (!doc) {
+    m_cl.println("No drawing is open.");
+    return;
+  }
+  OdDbDatabase& db = *doc->database;
+  if (!db.hasUndo()) {
+    m_cl.println("Nothing to undo.");
+    return;
+  }
+  long count = 1;
+  for (;;) {
+    std::string answer = m_cl.getLine("Enter the number of operations to undo <1>: ");
+    if (answer.empty()) break;
+    char* end = nullptr;
+    count = std::strtol(answer.c_str(), &end, 10);
+    if (*end == '\0' && count > 0) break;
+    m_cl.println("Requires a positive integer.");
+  }
+  for (long i = 0; i < count; ++i) {
+    if (!db.hasUndo()) {
+      m_cl.println("Everything has been undone.");
+      return;
+    }
+    m_cl.println("UNDO: " + db.undoGroupName().toUtf8());
+    db.undo();
+  }
+}
+
+void HostSession::cmdRedo() {
+  HostDocument* doc = activeDocument();
+  if (!doc) {
+    m_cl.println("No drawing is open.");
+    return;
+  }
+  OdDbDatabase& db = *doc->database;
+  if (!db.hasRedo()) {
+    m_cl.println("Nothing to redo.");
+    return;
+  }
+  m_cl.println("REDO: " + db.redoGroupName().toUtf8());
+  db.redo();
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <deque>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -13,8 +14,10 @@
 #include "drawings/DxfVersion.h"
 #include "drawings/OdDbDictionary.h"
 #include "drawings/OdDbSymbolTable.h"
+#include "drawings/OdDimVarSource.h"
 
 class OdDbDatabase;
+class UndoHistory;
 using OdDbDatabasePtr = OdSmartPtr<OdDbDatabase>;
 
 // A section of the file as read: its SECTION and ENDSEC tags and what lies between.
@@ -30,7 +33,7 @@ struct DxfSaveOptions {
   std::optional<DxfFormat> format;    // default: the format read
 };
 
-class OdDbDatabase : public OdRxObject {
+class OdDbDatabase : public OdRxObject, public OdDimVarSource {
 public:
   static const OdRxClass* desc();
   const OdRxClass* isA() const override { return desc(); }
@@ -103,8 +106,49 @@ public:
   OdString getCLAYER() const { return headerString("$CLAYER", L"0"); }
   bool extendedNames() const { return version() >= DxfVersion::R2000 && headerInt("$EXTNAMES", 1) != 0; }
 
+  // The current dimension settings: the $DIM header variables. Variables the file's
+  // version has no header variable for follow the current style.
+  OdDimVarValue dimVar(std::size_t row) const override;
+  void setDimVar(std::size_t row, const OdDimVarValue& value) override;
+  OdDbObjectId dimstyle() const;
+  void setDimstyle(const OdDbObjectId& styleId);
+  // The style becomes current and its values become the current settings.
+  void setDimstyleData(const OdDbObjectId& styleId);
+  // Associativity of new dimensions (0, 1, 2): a header variable from R2004, a
+  // dictionary variable in R2000.
+  int getDIMASSOC() const;
+  void setDIMASSOC(int value);
+  // The current annotation scale's name, kept in the variable dictionary.
+  OdString getCANNOSCALE() const;
+  void setCANNOSCALE(const OdString& scaleName);
+  // A dictionary variable of the "AcDbVariableDictionary" entry.
+  std::optional<OdString> dictionaryVar(const OdString& name) const;
+  void setDictionaryVar(const OdString& name, const OdString& value);
+
   // Leaves in `ids` only the objects that nothing in the drawing references.
   void purge(OdDbObjectIdArray& ids) const;
+
+  // Undo. A group records, before the first change of each object in it, the
+  // object's state (tags, erased flag, owner); the objects it adds, which undo takes
+  // out of the drawing again; and how far the tables, blocks and sections grew.
+  // Groups nest: only the outermost begin/end pair makes a step. A group that
+  // changed nothing leaves no step. A change made outside any group, or while
+  // recording is blocked, cannot be undone and forgets the whole history, since
+  // undoing around it would make up a drawing that never existed.
+  void beginUndoGroup(const OdString& name);
+  void endUndoGroup();
+  bool hasUndo() const;
+  bool hasRedo() const;
+  // The name of the step that undo() / redo() would take back or bring back.
+  OdString undoGroupName() const;
+  OdString redoGroupName() const;
+  // Both throw OdError(eInvalidOpenState) while a group is open; nothing to do is fine.
+  void undo();
+  void redo();
+  void blockUndoRecording(bool block);
+  bool isUndoBlocked() const;
+  // Called before an object changes (objects call it themselves).
+  void recordUndo(OdDbObject* object);
 
   // Loader and writer access to the file's layout.
   std::vector<DxfSection>& sections() { return m_sections; }
@@ -116,6 +160,7 @@ public:
 private:
   friend class DxfLoader;
   friend class DxfWriter;
+  friend class UndoHistory;
   OdDbDatabase();
 
   // The bytes every unchanged object points into.
@@ -136,6 +181,8 @@ private:
   DxfStyle m_style;
   DxfCodec m_codec;
   std::vector<std::string> m_warnings;
+  std::unique_ptr<UndoHistory> m_undo;
+  std::map<std::size_t, OdDimVarValue> m_dimVarsSessionOnly;  // variables the header cannot hold
 };
 
 // Where new entities and records go, and where DXF text is written.

@@ -105,7 +105,10 @@ protected:
   OdDbObject() = default;
 
 private:
+  friend class UndoHistory;  // snapshots and restores the persistent state below
   void parseTags() const;
+  // Lets the database's undo history snapshot the object before it changes.
+  void noteChange();
 
   OdDbStub* m_stub = nullptr;
   OdDbObjectId m_owner;
@@ -117,6 +120,7 @@ private:
   OdDb::OpenMode m_openMode = OdDb::kNotOpen;
   bool m_erased = false;
   bool m_modified = false;
+  uint32_t m_undoGroup = 0;  // the undo group that already holds a snapshot of this object
 };
 
 // Object kept as its tags only: every class we do not model.

@@ -75,7 +75,6 @@ private:
 OD_DECLARE_TABLE(OdDbLayerTable, OdDbLayerTableRecord)
 OD_DECLARE_TABLE(OdDbLinetypeTable, OdDbLinetypeTableRecord)
 OD_DECLARE_TABLE(OdDbTextStyleTable, OdDbTextStyleTableRecord)
-OD_DECLARE_TABLE(OdDbDimStyleTable, OdDbDimStyleTableRecord)
 OD_DECLARE_TABLE(OdDbRegAppTable, OdDbRegAppTableRecord)
 OD_DECLARE_TABLE(OdDbViewTable, OdDbViewTableRecord)
 OD_DECLARE_TABLE(OdDbUCSTable, OdDbUCSTableRecord)

@@ -1,5 +1,5 @@
-// A command-line session of the host: open drawings, the active one, and the
-// file commands (OPEN, NEW, SAVE, SAVEAS, CLOSE, QUIT).
+// A command-line session of the host: open drawings, the active one, the file
+// commands (OPEN, NEW, SAVE, SAVEAS, CLOSE, QUIT) and UNDO / REDO.
 #pragma once
 
 #include <functional>
@@ -26,11 +26,14 @@ public:
   bool open(const std::string& path);
   // Runs "Command: " prompts until QUIT or the end of input.
   void run();
-  // Runs one command by name; false if there is no such command.
+  // Runs one command by name; false if there is no such command. A command that can
+  // change the drawing runs inside one undo group of the active drawing, named as
+  // the command.
   bool runCommand(const std::string& name);
 
   using Command = std::function<void()>;
-  void addCommand(const std::string& name, Command handler);
+  // `undoable` false: the command never changes a drawing (files, undo itself).
+  void addCommand(const std::string& name, Command handler, bool undoable = true);
 
   HostDocument* activeDocument();
   const std::vector<std::unique_ptr<HostDocument>>& documents() const { return m_docs; }
@@ -44,10 +47,16 @@ private:
   void cmdSave();
   void cmdSaveAs();
   void cmdClose();
+  void cmdUndo();
+  void cmdRedo();
   bool save(HostDocument& doc, const std::string& path, const DxfSaveOptions& options);
 
   HostCommandLine& m_cl;
-  std::map<std::string, Command> m_commands;  // upper-case names
+  struct CommandEntry {
+    Command handler;
+    bool undoable = true;
+  };
+  std::map<std::string, CommandEntry> m_commands;  // upper-case names
   std::vector<std::unique_ptr<HostDocument>> m_docs;
   size_t m_active = 0;
   bool m_quit = false;

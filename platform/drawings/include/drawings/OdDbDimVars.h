@@ -1,0 +1,84 @@
+// The 78 dimension variables as typed members: one line per variable, in the
+// order of the catalogue (the rows of kDimVarDefaults). Each X(index, getter,
+// setter, type) names the row's index, the members and the value type.
+#pragma once
+
+#define OD_DIMVARS(X) \
+  X(0, dimadec, setDimadec, int16_t) \
+  X(1, dimalt, setDimalt, bool) \
+  X(2, dimaltd, setDimaltd, uint16_t) \
+  X(3, dimaltf, setDimaltf, double) \
+  X(4, dimaltrnd, setDimaltrnd, double) \
+  X(5, dimalttd, setDimalttd, int16_t) \
+  X(6, dimalttz, setDimalttz, uint8_t) \
+  X(7, dimaltu, setDimaltu, int16_t) \
+  X(8, dimaltz, setDimaltz, uint8_t) \
+  X(9, dimapost, setDimapost, OdString) \
+  X(10, dimasz, setDimasz, double) \
+  X(11, dimatfit, setDimatfit, int16_t) \
+  X(12, dimaunit, setDimaunit, int16_t) \
+  X(13, dimazin, setDimazin, int16_t) \
+  X(14, dimblk, setDimblk, OdDbObjectId) \
+  X(15, dimblk1, setDimblk1, OdDbObjectId) \
+  X(16, dimblk2, setDimblk2, OdDbObjectId) \
+  X(17, dimcen, setDimcen, double) \
+  X(18, dimclrd, setDimclrd, OdCmColor) \
+  X(19, dimclre, setDimclre, OdCmColor) \
+  X(20, dimclrt, setDimclrt, OdCmColor) \
+  X(21, dimdec, setDimdec, int16_t) \
+  X(22, dimdle, setDimdle, double) \
+  X(23, dimdli, setDimdli, double) \
+  X(24, dimdsep, setDimdsep, int16_t) \
+  X(25, dimexe, setDimexe, double) \
+  X(26, dimexo, setDimexo, double) \
+  X(27, dimfrac, setDimfrac, int16_t) \
+  X(28, dimgap, setDimgap, double) \
+  X(29, dimjust, setDimjust, uint16_t) \
+  X(30, dimldrblk, setDimldrblk, OdDbObjectId) \
+  X(31, dimlfac, setDimlfac, double) \
+  X(32, dimlim, setDimlim, bool) \
+  X(33, dimlunit, setDimlunit, int16_t) \
+  X(34, dimlwd, setDimlwd, OdDb::LineWeight) \
+  X(35, dimlwe, setDimlwe, OdDb::LineWeight) \
+  X(36, dimpost, setDimpost, OdString) \
+  X(37, dimrnd, setDimrnd, double) \
+  X(38, dimsah, setDimsah, bool) \
+  X(39, dimscale, setDimscale, double) \
+  X(40, dimsd1, setDimsd1, bool) \
+  X(41, dimsd2, setDimsd2, bool) \
+  X(42, dimse1, setDimse1, bool) \
+  X(43, dimse2, setDimse2, bool) \
+  X(44, dimsoxd, setDimsoxd, bool) \
+  X(45, dimtad, setDimtad, int16_t) \
+  X(46, dimtdec, setDimtdec, int16_t) \
+  X(47, dimtfac, setDimtfac, double) \
+  X(48, dimtih, setDimtih, bool) \
+  X(49, dimtix, setDimtix, bool) \
+  X(50, dimtm, setDimtm, double) \
+  X(51, dimtmove, setDimtmove, int16_t) \
+  X(52, dimtofl, setDimtofl, bool) \
+  X(53, dimtoh, setDimtoh, bool) \
+  X(54, dimtol, setDimtol, bool) \
+  X(55, dimtolj, setDimtolj, uint8_t) \
+  X(56, dimtp, setDimtp, double) \
+  X(57, dimtsz, setDimtsz, double) \
+  X(58, dimtvp, setDimtvp, double) \
+  X(59, dimtxsty, setDimtxsty, OdDbObjectId) \
+  X(60, dimtxt, setDimtxt, double) \
+  X(61, dimtzin, setDimtzin, uint8_t) \
+  X(62, dimupt, setDimupt, bool) \
+  X(63, dimzin, setDimzin, uint8_t) \
+  X(64, dimfxl, setDimfxl, double) \
+  X(65, dimfxlon, setDimfxlon, bool) \
+  X(66, dimjogang, setDimjogang, double) \
+  X(67, dimtfill, setDimtfill, int16_t) \
+  X(68, dimtfillclr, setDimtfillclr, OdCmColor) \
+  X(69, dimarcsym, setDimarcsym, int16_t) \
+  X(70, dimltype, setDimltype, OdDbObjectId) \
+  X(71, dimltex1, setDimltex1, OdDbObjectId) \
+  X(72, dimltex2, setDimltex2, OdDbObjectId) \
+  X(73, dimtxtdirection, setDimtxtdirection, bool) \
+  X(74, dimmzf, setDimmzf, double) \
+  X(75, dimmzs, setDimmzs, OdString) \
+  X(76, dimaltmzf, setDimaltmzf, double) \
+  X(77, dimaltmzs, setDimaltmzs, OdString)

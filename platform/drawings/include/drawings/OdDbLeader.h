@@ -1,0 +1,46 @@
+// LEADER typed over its DXF tags: the vertex path, arrowhead and hook line, the
+// dimension style that draws it and the annotation (MTEXT, tolerance or block
+// reference) it points from. Created like the other entities (OdDbGeometry.h).
+#pragma once
+
+#include "drawings/OdDbGeometry.h"
+
+class OdDbLeader : public OdDbCurve {
+  ODRX_DECLARE_MEMBERS(OdDbLeader)
+
+public:
+  enum AnnoType { kMText = 0, kFcf = 1, kBlockRef = 2, kNoAnno = 3 };
+
+  // No vertices yet (a leader needs at least two), drawn with the current
+  // dimension style ($DIMSTYLE), arrowhead on. R13 and later.
+  static OdSmartPtr<OdDbLeader> createFor(const OdDbDatabase& db);
+
+  int numVertices() const;
+  // Index outside 0..numVertices()-1: vertexAt throws eInvalidInput, setVertexAt
+  // returns false.
+  OdGePoint3d vertexAt(int index) const;
+  bool setVertexAt(int index, const OdGePoint3d& p);
+  bool appendVertex(const OdGePoint3d& p);
+  void removeLastVertex();
+
+  bool hasArrowHead() const;
+  void enableArrowHead();
+  void disableArrowHead();
+  bool hasHookLine() const;
+  bool isSplined() const;
+  void setToSplineLeader();
+  void setToStraightLeader();
+
+  AnnoType annoType() const;
+  // Null when there is none or it is not in the drawing.
+  OdDbObjectId annotationObjId() const;
+  // The annotation must be an MTEXT, TOLERANCE or INSERT of the same drawing
+  // (else eInvalidInput); it gets the leader among its reactors.
+  void attachAnnotation(const OdDbObjectId& annoId);
+  void detachAnnotation();
+
+  // The DIMSTYLE record named by the leader; null when missing or in no drawing.
+  OdDbObjectId dimensionStyle() const;
+  void setDimensionStyle(const OdDbObjectId& styleId);
+};
+using OdDbLeaderPtr = OdSmartPtr<OdDbLeader>;

@@ -1,0 +1,163 @@
+#include "drawings/OdDbDimension.h"
+
+#include "DimOverrides.h"
+#include "DimVarStorage.h"
+#include "EntityTags.h"
+#include "drawings/OdDbDatabase.h"
+#include "drawings/OdDbDimStyleTableRecord.h"
+
+ODRX_DEFINE_MEMBERS(OdDbDimension, OdDbEntity, L"DIMENSION")
+ODRX_DEFINE_MEMBERS(OdDbAlignedDimension, OdDbDimension, L"DIMENSION")
+ODRX_DEFINE_MEMBERS(OdDbRotatedDimension, OdDbAlignedDimension, L"DIMENSION")
+ODRX_DEFINE_MEMBERS(OdDb2LineAngularDimension, OdDbDimension, L"DIMENSION")
+ODRX_DEFINE_MEMBERS(OdDb3PointAngularDimension, OdDbDimension, L"DIMENSION")
+ODRX_DEFINE_MEMBERS(OdDbDiametricDimension, OdDbDimension, L"DIMENSION")
+ODRX_DEFINE_MEMBERS(OdDbRadialDimension, OdDbDimension, L"DIMENSION")
+ODRX_DEFINE_MEMBERS(OdDbOrdinateDimension, OdDbDimension, L"DIMENSION")
+ODRX_DEFINE_MEMBERS(OdDbArcDimension, OdDbDimension, L"ARC_DIMENSION")
+ODRX_DEFINE_MEMBERS(VxHugeRadius, OdDbDimension, L"LARGE_RADIAL_DIMENSION")
+
+namespace {
+
+// The common codes of a dimension in the order they are written.
+constexpr int kDimensionOrder[] = {280, 2, 10, 11, 12, 70, 71, 72, 41, 42, 73, 74, 75, 1, 53, 51, 210, 3};
+constexpr int kPointOrder[] = {10, 11, 12, 13, 14, 15, 16, 17, 40, 50, 52};
+
+DxfSubclass subclass(std::string_view marker) {
+  if (marker == "AcDbDimension") return DxfSubclass{marker, kDimensionOrder};
+  return DxfSubclass{marker, kPointOrder};
+}
+
+const DxfSubclass kDimension = subclass("AcDbDimension");
+
+}  // namespace
+
+const OdRxClass* odDimensionClassOfType(int typeCode) {
+  switch (typeCode & 7) {
+    case 0: return OdDbRotatedDimension::desc();
+    case 1: return OdDbAlignedDimension::desc();
+    case 2: return OdDb2LineAngularDimension::desc();
+    case 3: return OdDbDiametricDimension::desc();
+    case 4: return OdDbRadialDimension::desc();
+    case 5: return OdDb3PointAngularDimension::desc();
+    case 6: return OdDbOrdinateDimension::desc();
+    default: return OdDbDimension::desc();
+  }
+}
+
+OdGePoint3d OdDbDimension::point(std::string_view marker, int code) const {
+  return entitytags::getPoint(*this, subclass(marker), code);
+}
+
+void OdDbDimension::setPoint(std::string_view marker, int code, const OdGePoint3d& p) {
+  assertWriteEnabled();
+  entitytags::setPoint(*this, subclass(marker), code, p);
+}
+
+// ---- dimension variables ----
+
+OdDimVarValue OdDbDimension::dimVar(std::size_t row) const {
+  if (auto v = dimoverrides::get(*this, row)) return *v;
+  if (auto style = odOpen<OdDbDimStyleTableRecord>(dimensionStyle())) return style->dimVar(row);
+  return dimvarstore::builtIn(kDimVarDefaults[row], database());
+}
+
+void OdDbDimension::setDimVar(std::size_t row, const OdDimVarValue& value) {
+  assertWriteEnabled();
+  dimoverrides::set(*this, row, value);
+}
+
+bool OdDbDimension::hasDimVarOverride(std::size_t row) const { return dimoverrides::get(*this, row).has_value(); }
+
+void OdDbDimension::removeDimVarOverride(std::size_t row) {
+  assertWriteEnabled();
+  dimoverrides::remove(*this, row);
+}
+
+std::vector<std::size_t> OdDbDimension::dimVarOverrides() const { return dimoverrides::rows(*this); }
+
+// ---- common data ----
+
+OdDbObjectId OdDbDimension::dimensionStyle() const {
+  OdDbDatabase* db = database();
+  if (!db) return OdDbObjectId();
+  auto text = entitytags::getText(*this, kDimension, 3);
+  OdDbObjectId id = entitytags::recordId(*this, &OdDbDatabase::getDimStyleTableId, text.value_or(""));
+  if (id.isNull()) id = entitytags::recordId(*this, &OdDbDatabase::getDimStyleTableId, "Standard");
+  return id;
+}
+
+void OdDbDimension::setDimensionStyle(const OdDbObjectId& styleId) {
+  assertWriteEnabled();
+  entitytags::setText(*this, kDimension, 3, entitytags::recordName(*this, styleId, &OdDbDatabase::getDimStyleTableId));
+}
+
+OdString OdDbDimension::dimensionText() const {
+  auto text = entitytags::getText(*this, kDimension, 1);
+  return text ? decodeText(*text) : OdString();
+}
+
+void OdDbDimension::setDimensionText(const OdString& text) {
+  assertWriteEnabled();
+  if (text.isEmpty()) entitytags::remove(*this, kDimension, 1);
+  else entitytags::setText(*this, kDimension, 1, encodeText(text));
+}
+
+OdGePoint3d OdDbDimension::textPosition() const { return entitytags::getPoint(*this, kDimension, 11); }
+
+void OdDbDimension::setTextPosition(const OdGePoint3d& p) {
+  assertWriteEnabled();
+  entitytags::setPoint(*this, kDimension, 11, p);
+  // A text placed by the user is marked as such, so that it stays where it is put.
+  entitytags::setInt(*this, kDimension, 70, entitytags::getInt(*this, kDimension, 70, 0) | 128);
+}
+
+double OdDbDimension::textRotation() const {
+  return entitytags::toRadians(entitytags::getDouble(*this, kDimension, 53, 0.0));
+}
+
+void OdDbDimension::setTextRotation(double radians) {
+  assertWriteEnabled();
+  entitytags::setDouble(*this, kDimension, 53, entitytags::toDegrees(radians), 0.0);
+}
+
+std::optional<double> OdDbDimension::measurement() const {
+  auto text = entitytags::getText(*this, kDimension, 42);
+  if (!text) return std::nullopt;
+  DxfTag t;
+  t.text = *text;
+  return t.toDouble();
+}
+
+bool OdDbDimension::isUsingDefaultTextPosition() const {
+  return (entitytags::getInt(*this, kDimension, 70, 0) & 128) == 0;
+}
+
+OdDbObjectId OdDbDimension::dimBlockId() const {
+  return entitytags::recordId(*this, &OdDbDatabase::getBlockTableId, entitytags::getText(*this, kDimension, 2).value_or(""));
+}
+
+int OdDbDimension::dimensionType() const { return static_cast<int>(entitytags::getInt(*this, kDimension, 70, 0) & 7); }
+
+double OdDbAlignedDimension::oblique() const {
+  return entitytags::toRadians(entitytags::getDouble(*this, subclass("AcDbAlignedDimension"), 52, 0.0));
+}
+
+double OdDbRotatedDimension::rotation() const {
+  return entitytags::toRadians(entitytags::getDouble(*this, subclass("AcDbAlignedDimension"), 50, 0.0));
+}
+
+void OdDbRotatedDimension::setRotation(double radians) {
+  assertWriteEnabled();
+  entitytags::setDouble(*this, subclass("AcDbAlignedDimension"), 50, entitytags::toDegrees(radians), 0.0);
+}
+
+double OdDbDiametricDimension::leaderLength() const {
+  return entitytags::getDouble(*this, subclass("AcDbDiametricDimension"), 40, 0.0);
+}
+
+double OdDbRadialDimension::leaderLength() const {
+  return entitytags::getDouble(*this, subclass("AcDbRadialDimension"), 40, 0.0);
+}
+
+bool OdDbOrdinateDimension::isUsingXAxis() const { return (entitytags::getInt(*this, kDimension, 70, 0) & 64) != 0; }

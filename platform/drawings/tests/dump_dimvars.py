@@ -1,0 +1,30 @@
+#!/usr/bin/python3
+"""Prints the dimension variables that ezdxf reads from a DXF file, one per line:
+STYLE <tab> style name <tab> variable <tab> value   (only codes present in the record)
+HEADER <tab> variable <tab> value                    (only header variables present)
+References are printed as handles (variables ending in _handle) or as names."""
+import sys
+
+import ezdxf
+from ezdxf.entities.dimstyle import acdb_dimstyle
+
+
+def main():
+    doc = ezdxf.readfile(sys.argv[1])
+    out = sys.stdout
+    for style in doc.dimstyles:
+        for name in sorted(acdb_dimstyle.attribs):
+            if not name.startswith("dim") or name in ("dimfit", "dimunit"):
+                continue
+            if style.dxf.hasattr(name):
+                out.write("STYLE\t%s\t%s\t%s\n" % (style.dxf.name, name, style.dxf.get(name)))
+    for key in doc.header.varnames():
+        if key.startswith("$DIM") and key not in ("$DIMSTYLE", "$DIMASO", "$DIMSHO", "$DIMASSOC", "$DIMFIT", "$DIMUNIT"):
+            value = doc.header.get(key)
+            if isinstance(value, (tuple, list)):
+                continue
+            out.write("HEADER\t%s\t%s\n" % (key[1:].lower(), value))
+
+
+if __name__ == "__main__":
+    main()
