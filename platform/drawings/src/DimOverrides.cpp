@@ -53,13 +53,15 @@ int codeFor(const DimVarDefault& row, DxfVersion v) {
   return code ? code : row.styleCode;
 }
 
-int valueCodeFor(const DimVarDefault& row, int code) {
+int valueCodeFor(const DimVarDefault& row, int code, DxfVersion v) {
   switch (row.kind) {
     case DimVarKind::String: return 1000;
     case DimVarKind::Double: return 1040;
     case DimVarKind::Block:
     case DimVarKind::Linetype:
-    case DimVarKind::TextStyle: return refFormOf(code) == RefForm::Handle ? 1005 : 1000;
+    case DimVarKind::TextStyle:
+      // R12 drawings need not have handles: references go by name there.
+      return refFormOf(code) == RefForm::Handle && v > DxfVersion::R12 ? 1005 : 1000;
     default: return 1070;
   }
 }
@@ -112,7 +114,7 @@ void set(OdDbObject& o, std::size_t row, const OdDimVarValue& value) {
     return;
   }
   const int code = codeFor(r, versionOf(o));
-  const int valueCode = valueCodeFor(r, code);
+  const int valueCode = valueCodeFor(r, code, versionOf(o));
   DxfTagList pair{DxfTag(1070, std::to_string(code)), DxfTag(valueCode, encode(r, valueCode, value, o.database(), false))};
   auto& t = o.tagsForWrite();
   if (g.hasPairs) {

@@ -106,7 +106,11 @@ void OdDbDimStyleTableRecord::setDimVar(std::size_t index, const OdDimVarValue& 
   const OdDbDatabase* db = database();
   const DxfVersion v = versionOf(*this);
   const bool isDefault = OdDimVarValue::same(row.kind, value, builtIn(row, db));
-  if (int code = row.styleCodeIn(v)) {
+  int code = row.styleCodeIn(v);
+  // Codes 290-299 hold booleans: a number or text there would make the file unreadable,
+  // so the sub-unit variables whose codes lie there are kept for the session only.
+  if (code >= 290 && code <= 299 && row.kind != DimVarKind::Bool) code = 0;
+  if (code) {
     m_sessionOnly.erase(index);
     const bool degrees = row.has(dimvar::kStyleDegrees) && code == row.styleCode;
     std::string text = encode(row, code, value, db, degrees);
@@ -136,7 +140,7 @@ void OdDbDimStyleTableRecord::setDimVar(std::size_t index, const OdDimVarValue& 
     t.insert(t.begin() + static_cast<long>(pos), DxfTag(code, text));
     return;
   }
-  if (xdataSlot(row) && v >= DxfVersion::R2000) {
+  if (xdataSlot(row) && v >= DxfVersion::R2000 && !row.styleCodeIn(v)) {
     m_sessionOnly.erase(index);
     if (isDefault && !xdataValue(row)) return;
     setXdataValue(row, encode(row, xdataSlot(row)->valueCode, value, db, false));

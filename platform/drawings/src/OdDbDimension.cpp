@@ -32,6 +32,25 @@ const DxfSubclass kDimension = subclass("AcDbDimension");
 
 }  // namespace
 
+OdSmartPtr<OdDbRotatedDimension> OdDbRotatedDimension::createFor(const OdDbDatabase& db) {
+  static const DxfSubclass aligned = subclass("AcDbAlignedDimension");
+  static const DxfSubclass rotated = subclass("AcDbRotatedDimension");
+  const OdGePoint3d origin;
+  DxfTagList common = entitytags::pointTags(10, origin);
+  DxfTagList text = entitytags::pointTags(11, origin);
+  common.insert(common.end(), text.begin(), text.end());
+  // Bit 32: the block belongs to this dimension alone (R12 files do not set it).
+  common.emplace_back(70, db.version() > DxfVersion::R12 ? "32" : "0");
+  common.emplace_back(3, db.codec().encode(db.headerString("$DIMSTYLE", L"Standard").view()));
+  DxfTagList points = entitytags::pointTags(13, origin);
+  DxfTagList second = entitytags::pointTags(14, origin);
+  points.insert(points.end(), second.begin(), second.end());
+  OdSmartPtr<OdDbRotatedDimension> d = OdDbRotatedDimension::createObject();
+  entitytags::frame(*d, db, "DIMENSION", DxfVersion::R12,
+                    {{&kDimension, common}, {&aligned, points}, {&rotated, DxfTagList()}});
+  return d;
+}
+
 const OdRxClass* odDimensionClassOfType(int typeCode) {
   switch (typeCode & 7) {
     case 0: return OdDbRotatedDimension::desc();

@@ -49,7 +49,8 @@ constexpr Prim kShaft = line(0.0, 0.0, -1.0, 0.0);  // dimension line up to the 
 // The standard arrows in the order arrow pickers list them; closed filled, the
 // default, has no block.
 constexpr Arrow kArrows[] = {
-    {L"_ClosedBlank", 3, {line(-1.0, kSixth, 0.0, 0.0), line(0.0, 0.0, -1.0, -kSixth), line(-1.0, kSixth, -1.0, -kSixth)}},
+    {L"_ClosedBlank", 3,
+     {line(-1.0, kSixth, 0.0, 0.0), line(0.0, 0.0, -1.0, -kSixth), line(-1.0, kSixth, -1.0, -kSixth)}},
     {L"_Closed", 4,
      {line(-1.0, kSixth, 0.0, 0.0), line(0.0, 0.0, -1.0, -kSixth), line(-1.0, kSixth, -1.0, -kSixth), kShaft}},
     {L"_Dot", 2, {disc(1.0), kTail}},

@@ -44,7 +44,8 @@ void UndoHistory::end() {
     auto& growth = m_open->growth;
     growth.erase(std::remove_if(growth.begin(), growth.end(),
                                 [&](const Growth& g) {
-                                  size_t now = g.ids ? g.ids->size() : m_db.section(g.section)->items.size();
+                                  const DxfSection* s = g.ids ? nullptr : m_db.section(g.section);
+                                  size_t now = g.ids ? g.ids->size() : s ? s->items.size() : g.size;
                                   assert(now >= g.size && "objects leave containers only by being erased");
                                   return now == g.size;
                                 }),

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <map>
@@ -321,7 +321,8 @@ TEST(ArrowBlocksTest, GeometryMatchesArrowBlocksOfRealDrawings) {
   };
   for (const auto& [file, blocks] : references) {
     OdDbDatabasePtr real = OdDbDatabase::readDxfFile(std::string(CORPUS_DIR) + "/" + file);
-    OdDbDatabasePtr ours = OdDbDatabase::createNew(real->version() <= DxfVersion::R12 ? DxfVersion::R12 : DxfVersion::R2018);
+    const bool r12 = real->version() <= DxfVersion::R12;
+    OdDbDatabasePtr ours = OdDbDatabase::createNew(r12 ? DxfVersion::R12 : DxfVersion::R2018);
     for (const wchar_t* name : blocks) {
       SCOPED_TRACE(std::string(file) + " " + OdString(name).toUtf8());
       const OdDbObjectId theirs = blockNamed(*real, name);
@@ -350,6 +351,25 @@ TEST(ArrowBlocksTest, UserBlocksRoundTripByTheirOwnNames) {
   }
   EXPECT_TRUE(blockNamed(*db, L"_Dot").isNull());
   EXPECT_EQ(OdDmUtil::arrowName(db->getLayerTableId()), OdString()) << "not a block";
+}
+
+// Guards against block parts kept where undo does not look (records, sections).
+TEST(ArrowBlocksTest, MakingArrowsIsOneUndoStep) {
+  for (DxfVersion v : {DxfVersion::R12, DxfVersion::R2018}) {
+    OdDbDatabasePtr db = OdDbDatabase::createNew(v);
+    const std::string before = db->toDxf();
+    db->beginUndoGroup(L"arrows");
+    OdDmUtil::getArrowId(L"_Dot", db.get());
+    OdDmUtil::getArrowId(L"_ArchTick", db.get());
+    db->endUndoGroup();
+    const std::string with = db->toDxf();
+    db->undo();
+    EXPECT_TRUE(db->toDxf() == before) << dxfver::keyword(v);
+    EXPECT_TRUE(blockNamed(*db, L"_Dot").isNull());
+    db->redo();
+    EXPECT_TRUE(db->toDxf() == with) << dxfver::keyword(v);
+    EXPECT_FALSE(blockNamed(*db, L"_ArchTick").isNull());
+  }
 }
 
 // ---- Blocks in general ---------------------------------------------------------

@@ -11,6 +11,8 @@
 
 #include "drawings/OdDbDatabase.h"
 #include "drawings/OdDbDimStyleTableRecord.h"
+#include "drawings/OdDbDimension.h"
+#include "drawings/OdDmUtil.h"
 
 namespace fs = std::filesystem;
 
@@ -41,7 +43,7 @@ EzdxfView ezdxfView(const std::string& path) {
     std::istringstream ls(line);
     while (std::getline(ls, cell, '\t')) f.push_back(cell);
     if (line.back() == '\t') f.push_back("");
-    if (f.size() == 4 && f[0] == "STYLE") view.values[{f[0], f[1], f[2]}] = f[3];
+    if (f.size() == 4 && (f[0] == "STYLE" || f[0] == "OVERRIDE")) view.values[{f[0], f[1], f[2]}] = f[3];
     if (f.size() == 3 && f[0] == "HEADER") view.values[{f[0], "", f[1]}] = f[2];
   }
   return view;
@@ -105,7 +107,14 @@ TEST(DimStyle, EveryCorpusStyleAndHeaderAgreesWithAnIndependentReader) {
       if (index >= kDimVarCatalogueSize) continue;
       const DimVarDefault& row = kDimVarDefaults[index];
       OdDimVarValue ours;
-      if (section == "STYLE") {
+      if (section == "OVERRIDE") {
+        DxfTag h;
+        h.text = styleName;  // the entity's handle
+        auto dim = odOpen<OdDbDimension>(db->getOdDbObjectId(OdDbHandle(h.toHandle())));
+        if (!dim) continue;  // leaders come with their own class
+        EXPECT_TRUE(dim->hasDimVarOverride(index)) << entry.path().filename() << " " << styleName << " " << var;
+        ours = dim->dimVar(index);
+      } else if (section == "STYLE") {
         auto rec = odOpen<OdDbDimStyleTableRecord>(styles->getAt(OdString::fromUtf8(styleName)));
         ASSERT_TRUE(rec) << entry.path().filename() << ": no style " << styleName;
         ours = rec->dimVar(index);
@@ -139,4 +148,128 @@ TEST(DimStyle, AbsentCodesMeanTheImperialValuesWhateverTheUnits) {
   EXPECT_EQ(db->dimstyle(), iso->objectId());
   for (std::size_t i = 0; i < kDimVarCatalogueSize; ++i)
     EXPECT_TRUE(OdDimVarValue::same(kDimVarDefaults[i].kind, db->dimVar(i), iso->dimVar(i))) << kDimVarDefaults[i].name;
+}
+
+namespace {
+
+// A value of `row` that differs from the built-in one, valid for the variable.
+OdDimVarValue nonDefault(const DimVarDefault& row, OdDbDatabase& db, const OdDbObjectId& textStyle) {
+  OdDimVarValue v;
+  const DimVarValue& d = row.imperial;
+  switch (row.kind) {
+    case DimVarKind::Bool: v.number = d.number == 0 ? 1 : 0; break;
+    case DimVarKind::Double: v.number = d.number + 0.25; break;
+    case DimVarKind::String: v.text = L"<> mm"; break;
+    case DimVarKind::Color: v.color.setColorIndex(3); break;
+    case DimVarKind::LineWeight: v.number = 35; break;
+    case DimVarKind::Block: v.id = OdDmUtil::getArrowId(L"_ArchTick", &db); break;
+    case DimVarKind::Linetype: v.id = odOpen<OdDbSymbolTable>(db.getLinetypeTableId())->getAt(L"Continuous"); break;
+    case DimVarKind::TextStyle: v.id = textStyle; break;
+    default: v.number = row.name == "DIMDSEP" ? ',' : d.number + 1;
+  }
+  return v;
+}
+
+OdDbObjectId addTextStyle(OdDbDatabase& db, const OdString& name) {
+  auto styles = odOpen<OdDbSymbolTable>(db.getTextStyleTableId(), OdDb::kForWrite);
+  OdSmartPtr<OdDbTextStyleTableRecord> rec = OdDbTextStyleTableRecord::createObject();
+  rec->setDxfName("STYLE");
+  db.addOdDbObject(rec.get(), styles->objectId());
+  DxfTagList& t = rec->tagsForWrite();
+  if (db.version() > DxfVersion::R12) {
+    t.emplace_back(100, "AcDbSymbolTableRecord");
+    t.emplace_back(100, "AcDbTextStyleTableRecord");
+  }
+  for (auto [code, text] : std::initializer_list<std::pair<int, const char*>>{
+           {2, "x"}, {70, "0"}, {40, "0.0"}, {41, "0.8"}, {50, "0.0"}, {71, "0"}, {42, "2.5"}, {3, "txt"}, {4, ""}})
+    t.emplace_back(code, text);
+  rec->setName(name);
+  return styles->add(rec.get());
+}
+
+// Whether the version keeps row's value in a style record, in the header, in overrides.
+bool styleHolds(const DimVarDefault& row, DxfVersion v) {
+  int code = row.styleCodeIn(v);
+  if (code >= 290 && code <= 299 && row.kind != DimVarKind::Bool) return false;
+  return code != 0 || (v >= DxfVersion::R2000 && v <= DxfVersion::R2004 && row.styleCode != 0 &&
+                                     row.styleSince == DxfVersion::R2007 && row.kind != DimVarKind::String &&
+                                     row.name != "DIMTXTDIRECTION");
+}
+
+}  // namespace
+
+TEST(DimStyle, EveryVariableSurvivesSavingInEveryVersion) {
+  const bool ezdxf = haveEzdxf();
+  for (DxfVersion v : {DxfVersion::R12, DxfVersion::R2000, DxfVersion::R2004, DxfVersion::R2007, DxfVersion::R2010,
+                       DxfVersion::R2018}) {
+    SCOPED_TRACE(std::string(dxfver::keyword(v)));
+    OdDbDatabasePtr db = OdDbDatabase::createNew(v, false);
+    OdDbObjectId narrow = addTextStyle(*db, L"Narrow");
+    auto style = odOpen<OdDbDimStyleTableRecord>(db->dimstyle(), OdDb::kForWrite);
+    ASSERT_TRUE(style);
+    auto dim = OdDbRotatedDimension::createFor(*db);
+    odOpen<OdDbBlockTableRecord>(db->getModelSpaceId(), OdDb::kForWrite)->appendOdDbEntity(dim.get());
+    std::vector<OdDimVarValue> want;
+    for (std::size_t i = 0; i < kDimVarCatalogueSize; ++i) {
+      want.push_back(nonDefault(kDimVarDefaults[i], *db, narrow));
+      style->setDimVar(i, want.back());
+      db->setDimVar(i, want.back());
+      dim->setDimVar(i, want.back());
+    }
+    // In memory every value is there, whatever the version can save.
+    for (std::size_t i = 0; i < kDimVarCatalogueSize; ++i) {
+      const auto& row = kDimVarDefaults[i];
+      EXPECT_TRUE(OdDimVarValue::same(row.kind, style->dimVar(i), want[i])) << row.name;
+      EXPECT_TRUE(OdDimVarValue::same(row.kind, db->dimVar(i), want[i])) << row.name;
+      EXPECT_TRUE(OdDimVarValue::same(row.kind, dim->dimVar(i), want[i])) << row.name;
+    }
+    std::string bytes = db->toDxf();
+    OdDbDatabasePtr again = OdDbDatabase::readDxf(bytes);
+    auto style2 = odOpen<OdDbDimStyleTableRecord>(again->dimstyle());
+    auto dim2 = odOpen<OdDbDimension>(again->getOdDbObjectId(dim->getDbHandle()));
+    ASSERT_TRUE(style2 && dim2);
+    auto sameRef = [&](const OdDimVarValue& a, const OdDimVarValue& b) {
+      return odOpen<OdDbSymbolTableRecord>(a.id) && odOpen<OdDbSymbolTableRecord>(b.id) &&
+             odOpen<OdDbSymbolTableRecord>(a.id)->getName() == odOpen<OdDbSymbolTableRecord>(b.id)->getName();
+    };
+    auto same = [&](const DimVarDefault& row, const OdDimVarValue& got, const OdDimVarValue& w) {
+      bool ref = row.kind == DimVarKind::Block || row.kind == DimVarKind::Linetype || row.kind == DimVarKind::TextStyle;
+      return ref ? sameRef(got, w) : OdDimVarValue::same(row.kind, got, w);
+    };
+    for (std::size_t i = 0; i < kDimVarCatalogueSize; ++i) {
+      const auto& row = kDimVarDefaults[i];
+      if (styleHolds(row, v)) EXPECT_TRUE(same(row, style2->dimVar(i), want[i])) << "style " << row.name;
+      if (row.inHeader(v)) EXPECT_TRUE(same(row, again->dimVar(i), want[i])) << "header " << row.name;
+      EXPECT_TRUE(dim2->hasDimVarOverride(i)) << row.name;
+      EXPECT_TRUE(same(row, dim2->dimVar(i), want[i])) << "override " << row.name;
+    }
+    if (!ezdxf) continue;
+    // ezdxf reads the same values from our file.
+    fs::path file = fs::temp_directory_path() / ("vex_dimvars_" + std::string(dxfver::keyword(v)) + ".dxf");
+    again->writeDxfFile(file.string());
+    EzdxfView view = ezdxfView(file.string());
+    ASSERT_TRUE(view.ok);
+    int checked = 0;
+    for (auto& [key, theirs] : view.values) {
+      const auto& [section, owner, var] = key;
+      std::size_t index = rowIndex(var);
+      if (index >= kDimVarCatalogueSize) continue;
+      const auto& row = kDimVarDefaults[index];
+      OdDbObjectId table = row.kind == DimVarKind::Block      ? again->getBlockTableId()
+                           : row.kind == DimVarKind::Linetype ? again->getLinetypeTableId()
+                                                              : again->getTextStyleTableId();
+      if (section == "STYLE" && owner == style2->getName().toUtf8() && styleHolds(row, v)) {
+        EXPECT_TRUE(agrees(row, want[index], theirs, true, table)) << "style " << var << " ezdxf " << theirs;
+        ++checked;
+      } else if (section == "HEADER" && row.inHeader(v)) {
+        EXPECT_TRUE(agrees(row, want[index], theirs, false, table)) << "header " << var << " ezdxf " << theirs;
+        ++checked;
+      } else if (section == "OVERRIDE") {
+        EXPECT_TRUE(agrees(row, want[index], theirs, false, table)) << "override " << var << " ezdxf " << theirs;
+        ++checked;
+      }
+    }
+    EXPECT_GT(checked, v == DxfVersion::R12 ? 60 : 120);
+    fs::remove(file);
+  }
 }

@@ -334,8 +334,9 @@ TEST(Entities, EditingOneValueRewritesOnlyItsLine) {
        [](OdDbEntity& e) { auto c = OdDbCircle::cast(&e); c->setRadius(c->radius() + 1.5); return c->radius(); }},
       {"LibreDWG__libredwg__example_r12.dxf", "ARC",
        [](OdDbEntity& e) { auto a = OdDbArc::cast(&e); a->setEndAngle(a->endAngle() + 0.25); return deg(a->endAngle()); }},
+      // R12 coordinates carry twenty digits: x must keep them when only y changes.
       {"LibreDWG__libredwg__example_r12.dxf", "TEXT",
-       [](OdDbEntity& e) { auto t = OdDbText::cast(&e); t->setHeight(7.25); return 7.25; }},
+       [](OdDbEntity& e) { auto t = OdDbText::cast(&e); auto p = t->position(); p.y += 1; t->setPosition(p); return p.y; }},
       {"LibreDWG__libredwg__example_2000.dxf", "LINE",
        [](OdDbEntity& e) { auto l = OdDbLine::cast(&e); auto p = l->endPoint(); p.y -= 3; l->setEndPoint(p); return p.y; }},
       {"LibreDWG__libredwg__example_2000.dxf", "LWPOLYLINE",
@@ -387,6 +388,79 @@ TEST(Entities, EditingOneValueRewritesOnlyItsLine) {
     OdDbEntityPtr reread = entityByHandle(*again, target->getDbHandle().ascii().toUtf8());
     expectSame(describe(reread.get()), describe(target.get()), "reread");
   }
+}
+
+TEST(Entities, StructuralEditsReadBackIndependently) {
+  SKIP_WITHOUT_EZDXF();
+  const std::string path = corpus("LibreDWG__libredwg__example_2000.dxf");
+  if (!fs::exists(path)) GTEST_SKIP() << "corpus file missing";
+  OdDbDatabasePtr db = OdDbDatabase::readDxfFile(path);
+  OdDbPolylinePtr pl;
+  OdDbMTextPtr turned;  // one whose direction vector sets its rotation
+  for (uint64_t h = 1; h < db->handseed().value(); ++h) {
+    OdDbObjectPtr o = db->getOdDbObjectId(OdDbHandle(h)).openObject(OdDb::kForWrite);
+    if (auto p = OdDbPolyline::cast(o.get()); p && !pl && p->numVerts() >= 5) pl = p;
+    if (auto m = OdDbMText::cast(o.get()); m && !turned && m->rotation() != 0.0) turned = m;
+  }
+  ASSERT_TRUE(pl && turned);
+
+  // Vertices are removed and inserted whole; a constant width replaces the vertices' own.
+  std::vector<OdGePoint2d> expected(pl->numVerts());
+  for (unsigned i = 0; i < expected.size(); ++i) pl->getPointAt(i, expected[i]);
+  pl->removeVertexAt(0);
+  expected.erase(expected.begin());
+  pl->addVertexAt(2, {-1, -2}, 0.5);
+  expected.insert(expected.begin() + 2, OdGePoint2d{-1, -2});
+  pl->setWidthsAt(0, 1.0, 2.0);
+  pl->setConstantWidth(0.5);
+  turned->setRotation(1.0);
+
+  fs::path file = fs::path(::testing::TempDir()) / ("edited_" + std::to_string(std::random_device()()) + ".dxf");
+  db->writeDxfFile(file.string());
+  const OdDbEntity* edited[] = {pl.get(), turned.get()};
+  size_t found = 0;
+  for (const Json& theirs : dump({file.string()}, false))
+    for (const OdDbEntity* e : edited)
+      if (theirs["handle"].s == e->getDbHandle().ascii().toUtf8()) {
+        expectSame(describe(e), theirs, "ezdxf " + theirs["type"].s);
+        ++found;
+      }
+  EXPECT_EQ(found, 2u);
+  fs::remove(file);
+
+  ASSERT_EQ(pl->numVerts(), expected.size());
+  for (unsigned i = 0; i < expected.size(); ++i) {
+    OdGePoint2d p;
+    double sw, ew;
+    pl->getPointAt(i, p);
+    pl->getWidthsAt(i, sw, ew);
+    EXPECT_EQ(p, expected[i]) << i;
+    EXPECT_EQ(sw, 0.5);
+    EXPECT_EQ(ew, 0.5);
+    EXPECT_EQ(pl->getBulgeAt(i), i == 2 ? 0.5 : 0.0);
+  }
+  EXPECT_NEAR(turned->rotation(), 1.0, 1e-12);
+}
+
+TEST(Entities, TriangleSolidRepeatsItsThirdCorner) {
+  // Found in no sample drawing, so written out here: a SOLID without its fourth corner.
+  OdDbDatabasePtr db = OdDbDatabase::readDxf(
+      "  0\nSECTION\n  2\nENTITIES\n  0\nSOLID\n  8\n0\n 10\n0.0\n 20\n0.0\n 11\n4.0\n 21\n0.0\n"
+      " 12\n0.0\n 22\n3.0\n  0\nENDSEC\n  0\nEOF\n");
+  OdDbSolidPtr solid = OdDbSolid::cast(db->section("ENTITIES")->items.front().get());
+  ASSERT_TRUE(solid);
+  OdGePoint3d p;
+  solid->getPointAt(3, p);
+  EXPECT_EQ(p, (OdGePoint3d{0, 3, 0}));
+  solid->setOpenMode(OdDb::kForWrite);
+  solid->setPointAt(3, {1, 1, 0});
+  OdDbDatabasePtr again = OdDbDatabase::readDxf(db->toDxf());
+  auto reread = OdDbSolid::cast(again->section("ENTITIES")->items.front().get());
+  reread->getPointAt(3, p);
+  EXPECT_EQ(p, (OdGePoint3d{1, 1, 0}));
+  reread->getPointAt(2, p);
+  EXPECT_EQ(p, (OdGePoint3d{0, 3, 0}));
+  EXPECT_THROW(reread->getPointAt(4, p), OdError);
 }
 
 // ---- new drawings ----

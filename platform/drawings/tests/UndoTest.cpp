@@ -194,6 +194,28 @@ TEST(Undo, AddedObjectsDisappearAndComeBack) {
   EXPECT_FALSE(odOpen<OdDbSymbolTable>(reread->getLayerTableId())->getAt(L"Added").isNull());
 }
 
+TEST(Undo, AStepThatAddsASectionTakesItOutAgain) {
+  // As the first block of a drawing that has no BLOCKS section does.
+  OdDbDatabasePtr db = OdDbDatabase::readDxf("0\nSECTION\n2\nENTITIES\n0\nENDSEC\n0\nEOF\n");
+  const std::string before = db->toDxf();
+  db->beginUndoGroup(L"BLOCK");
+  addPoint(*db, 2.0);
+  DxfSection blocks;
+  blocks.name = "BLOCKS";
+  blocks.head = OdDbProxyObject::createObject();
+  blocks.head->tagsForWrite() = {DxfTag(0, "SECTION"), DxfTag(2, "BLOCKS")};
+  blocks.endsec = OdDbProxyObject::createObject();
+  blocks.endsec->tagsForWrite() = {DxfTag(0, "ENDSEC")};
+  db->sections().insert(db->sections().begin(), std::move(blocks));
+  db->endUndoGroup();
+  const std::string after = db->toDxf();
+  db->undo();
+  EXPECT_TRUE(db->toDxf() == before);
+  EXPECT_EQ(db->section("BLOCKS"), nullptr);
+  db->redo();
+  EXPECT_TRUE(db->toDxf() == after);
+}
+
 TEST(Undo, GroupsNestBlockAndForget) {
   OdDbDatabasePtr db = OdDbDatabase::createNew(DxfVersion::R2018);
   const std::string original = db->toDxf();

@@ -22,7 +22,7 @@ except ImportError:
 
 
 # ezdxf 0.18 reads the SEQEND of a POLYLINE inside an R12 block without an owner
-# and deletes it on audit; it does so for R12 files that AutoCAD and ezdxf itself
+# and deletes it on audit; it does so for R12 files that CAD programs and ezdxf itself
 # write as well, so in R12 files this finding says nothing about the file.
 R12_SEQEND_QUIRK = re.compile(r"Deleted SEQEND\(#[0-9A-F]+\) entity with invalid owner handle #None\.")
 

@@ -66,6 +66,9 @@ class OdDbRotatedDimension : public OdDbAlignedDimension {
   ODRX_DECLARE_MEMBERS(OdDbRotatedDimension)
 
 public:
+  // A new dimension with the tags a drawing of db's version expects, in the current
+  // dimension style; its block comes when its geometry is computed.
+  static OdSmartPtr<OdDbRotatedDimension> createFor(const OdDbDatabase& db);
   double rotation() const;  // radians (code 50)
   void setRotation(double radians);
 };
