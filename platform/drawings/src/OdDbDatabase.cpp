@@ -259,38 +259,46 @@ DxfStyle dxfStyleOf(const OdDbDatabase& db) {
 // ---- purge ----
 
 void OdDbDatabase::purge(OdDbObjectIdArray& ids) const {
-  std::unordered_set<OdDbStub*> candidates;
-  for (auto& id : ids) candidates.insert(id.stub());
   std::unordered_set<OdDbStub*> used;
   // Names that tags use to refer to records (layer 8, linetype 6, text style 7,
   // block 2 of inserts and dimensions, dimension style 3), resolved per table.
   std::unordered_set<std::wstring> names[9];
-  auto noteName = [&](int slot, const std::string& bytes) { names[slot].insert(odstr::folded(m_codec.decode(bytes).view())); };
+  auto noteName = [&](int slot, std::string_view bytes) { names[slot].insert(odstr::folded(m_codec.decode(bytes).view())); };
   auto scan = [&](const OdDbObject* o) {
-    const auto& t = o->tags();
     std::string_view type = o->dxfName();
-    bool isEntity = o->isKindOf(OdDbEntity::desc());
-    bool inGroup = false;
-    for (size_t i = 1; i < t.size(); ++i) {
-      int c = t[i].code;
-      if (c == 102) { inGroup = !t[i].text.empty() && t[i].text[0] == '{'; continue; }
-      if (inGroup || c == 330 || c == 5 || c == 105) continue;  // owners and reactors do not keep an object
+    const bool isEntity = o->isKindOf(OdDbEntity::desc());
+    const bool refersToStyle = type == "DIMENSION" || type == "ARC_DIMENSION" || type == "LARGE_RADIAL_DIMENSION" ||
+                               type == "LEADER" || type == "TOLERANCE";
+    bool inGroup = false, first = true;
+    o->forEachTag([&](int c, std::string_view text) {
+      if (first) { first = false; return; }  // the 0 tag
+      if (c == 102) { inGroup = !text.empty() && text[0] == '{'; return; }
+      if (inGroup || c == 330 || c == 5 || c == 105) return;  // owners and reactors do not keep an object
       if ((c >= 340 && c <= 369) || (c >= 390 && c <= 399) || c == 1005 || c == 331 || c == 332) {
-        if (OdDbStub* s = getOdDbObjectId(OdDbHandle(t[i].toHandle())).stub()) used.insert(s);
-        continue;
+        DxfTag h;
+        h.text = std::string(text);
+        if (OdDbStub* s = getOdDbObjectId(OdDbHandle(h.toHandle())).stub()) used.insert(s);
+        return;
       }
       if (isEntity) {
-        if (c == 8) noteName(1, t[i].text);
-        else if (c == 6) noteName(2, t[i].text);
-        else if (c == 7 && type != "DIMENSION") noteName(3, t[i].text);
-        else if (c == 3 && (type == "DIMENSION" || type == "LEADER" || type == "TOLERANCE")) noteName(4, t[i].text);
-        else if (c == 2 && (type == "INSERT" || type == "DIMENSION")) noteName(0, t[i].text);
+        if (c == 8) noteName(1, text);
+        else if (c == 6) noteName(2, text);
+        else if (c == 7 && !refersToStyle) noteName(3, text);
+        else if (c == 3 && refersToStyle) noteName(4, text);
+        else if (c == 2 && (type == "INSERT" || refersToStyle)) noteName(0, text);
       } else if (type == "LAYER" && c == 6) {
-        noteName(2, t[i].text);
-      } else if (type == "DIMSTYLE" && c >= 5 && c <= 7 && !t[i].text.empty()) {
-        noteName(0, t[i].text);
-        noteName(0, "_" + t[i].text);
+        noteName(2, text);
+      } else if (type == "DIMSTYLE" && c >= 5 && c <= 7 && !text.empty()) {
+        // Arrows by name; older files leave out the underscore of the standard ones.
+        noteName(0, text);
+        noteName(0, "_" + std::string(text));
       }
+    });
+    // A child style ("A$0") keeps its parent.
+    if (type == "DIMSTYLE") {
+      OdString n = static_cast<const OdDbSymbolTableRecord*>(o)->getName();
+      int dollar = n.reverseFind(L'$');
+      if (dollar > 0 && dollar + 1 < n.getLength()) names[4].insert(odstr::folded(n.left(dollar).view()));
     }
   };
   for (const auto& o : m_objects)
@@ -298,7 +306,8 @@ void OdDbDatabase::purge(OdDbObjectIdArray& ids) const {
   // Header variables name the current layer, linetype, text style and dimension style.
   const std::pair<const char*, int> headerRefs[] = {{"$CLAYER", 1}, {"$CELTYPE", 2}, {"$TEXTSTYLE", 3}, {"$DIMSTYLE", 4},
                                                     {"$DIMTXSTY", 3}, {"$DIMBLK", 0}, {"$DIMBLK1", 0}, {"$DIMBLK2", 0},
-                                                    {"$DIMLDRBLK", 0}};
+                                                    {"$DIMLDRBLK", 0}, {"$DIMLTYPE", 2}, {"$DIMLTEX1", 2},
+                                                    {"$DIMLTEX2", 2}};
   for (auto& [var, slot] : headerRefs) names[slot].insert(odstr::folded(headerString(var).view()));
   std::vector<OdDbObjectId> keep;
   for (auto& id : ids) {

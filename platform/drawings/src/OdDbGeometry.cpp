@@ -143,7 +143,7 @@ OdDbSolidPtr OdDbSolid::createFor(const OdDbDatabase& db) {
 void OdDbSolid::getPointAt(int index, OdGePoint3d& p) const {
   checkCorner(index);
   // A triangle may leave out its fourth corner, which is then the third.
-  
+  if (index == 3 && find(*this, kSolid, 13) < 0) index = 2;
   p = getPoint(*this, kSolid, 10 + index);
 }
 

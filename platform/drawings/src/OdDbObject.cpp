@@ -129,6 +129,25 @@ std::optional<std::string> OdDbObject::firstValue(int code) const {
   return std::nullopt;
 }
 
+void OdDbObject::forEachTag(const std::function<void(int, std::string_view)>& f) const {
+  if (m_tags) {
+    for (const auto& t : *m_tags) f(t.code, t.text);
+    return;
+  }
+  bool shortCodes = m_rawFormat == DxfFormat::Binary && database() && dxfver::binaryShortCodes(database()->version());
+  DxfTagScanner sc(m_raw, m_rawFormat, shortCodes, 0, m_line);
+  DxfRawTag rt;
+  std::string text;
+  while (sc.next(rt)) {
+    if (m_rawFormat == DxfFormat::Ascii) {
+      f(rt.code, rt.value);
+    } else {
+      text = dxfValueText(rt, m_rawFormat);
+      f(rt.code, text);
+    }
+  }
+}
+
 const DxfTagList& OdDbObject::tags() const {
   if (!m_tags) parseTags();
   return *m_tags;

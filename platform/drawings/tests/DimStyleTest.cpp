@@ -273,3 +273,35 @@ TEST(DimStyle, EveryVariableSurvivesSavingInEveryVersion) {
     fs::remove(file);
   }
 }
+
+TEST(DimStyle, PurgeKeepsWhatDimensionsAndStylesUse) {
+  const std::string sample = TESTS_DIR "/../../../samples/dimstyles.dxf";
+  if (!fs::exists(sample)) GTEST_SKIP() << "no sample drawing";
+  OdDbDatabasePtr db = OdDbDatabase::readDxfFile(sample);
+  auto styles = odOpen<OdDbSymbolTable>(db->getDimStyleTableId(), OdDb::kForWrite);
+  // An unused style and an unused child of a used parent.
+  OdDbObjectId lonely, child;
+  for (auto [name, out] : {std::pair<const wchar_t*, OdDbObjectId*>{L"Unused", &lonely}, {L"Architectural$6", &child}}) {
+    OdSmartPtr<OdDbDimStyleTableRecord> rec = OdDbDimStyleTableRecord::createObject();
+    db->addOdDbObject(rec.get(), styles->objectId());
+    DxfTagList& t = rec->tagsForWrite();
+    t.emplace_back(100, "AcDbSymbolTableRecord");
+    t.emplace_back(100, "AcDbDimStyleTableRecord");
+    t.emplace_back(2, "x");
+    t.emplace_back(70, "0");
+    rec->setName(name);
+    *out = styles->add(rec.get());
+  }
+  OdDbObjectIdArray ids = styles->recordIds();
+  db->purge(ids);
+  std::set<std::wstring> purgeable;
+  for (auto& id : ids) purgeable.insert(odOpen<OdDbSymbolTableRecord>(id)->getName().str());
+  // Styles used by dimensions and leaders, the current one and parents of children stay.
+  EXPECT_EQ(purgeable, (std::set<std::wstring>{L"ISO-25$0", L"ISO-25$2", L"ISO-25$3", L"ISO-25$4", L"ISO-25$7",
+                                               L"Unused", L"Architectural$6"}));
+  // Arrow blocks and text styles that styles refer to are not purgeable.
+  auto blocks = odOpen<OdDbSymbolTable>(db->getBlockTableId());
+  OdDbObjectIdArray bids = blocks->recordIds();
+  db->purge(bids);
+  for (auto& id : bids) EXPECT_NE(odOpen<OdDbSymbolTableRecord>(id)->getName().left(1), OdString(L"_"));
+}

@@ -3,6 +3,7 @@
 // accessors read and change single tags, so whatever we do not model stays in place.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -95,6 +96,10 @@ public:
   // The value of the first tag with `code`, read from the original bytes without
   // parsing the whole object (falls back to the parsed tags once there are any).
   std::optional<std::string> firstValue(int code) const;
+  // Calls f(code, value in ASCII spelling) for every tag, from the original bytes
+  // when the object was never parsed, so that looking through a whole drawing
+  // does not keep every object's tags in memory.
+  void forEachTag(const std::function<void(int, std::string_view)>& f) const;
 
   // Decoding and encoding of string values for this object's database.
   const DxfCodec& codec() const;
