@@ -5,6 +5,7 @@
 #include <deque>
 #include <vector>
 
+#include "drawings/OdDbAnnotation.h"
 #include "drawings/OdDbDictionary.h"
 #include "drawings/OdDbDimension.h"
 #include "drawings/OdDbDimStyleTableRecord.h"
@@ -60,7 +61,11 @@ const OdRxClass* dxfEntityClass(std::string_view name, int typeCode) {
 }
 
 const OdRxClass* dxfObjectClass(std::string_view name) {
-  static const ClassMap m = makeMap({OdDbDictionary::desc(), OdDbXrecord::desc()});
+  // Every kind of per-scale context data shares the scale and default-flag part.
+  constexpr std::string_view contextData = "OBJECTCONTEXTDATA_CLASS";
+  if (name.size() > contextData.size() && name.substr(name.size() - contextData.size()) == contextData)
+    return OdDbAnnotScaleObjectContextData::desc();
+  static const ClassMap m = makeMap({OdDbDictionary::desc(), OdDbXrecord::desc(), OdDbScale::desc()});
   auto it = m.find(name);
   return it == m.end() ? OdDbProxyObject::desc() : it->second;
 }

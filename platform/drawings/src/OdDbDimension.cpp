@@ -180,3 +180,8 @@ double OdDbRadialDimension::leaderLength() const {
 }
 
 bool OdDbOrdinateDimension::isUsingXAxis() const { return (entitytags::getInt(*this, kDimension, 70, 0) & 64) != 0; }
+
+OdDbObjectId OdDbDimension::dimAssocId() const {
+  auto ext = odOpen<OdDbDictionary>(extensionDictionary());
+  return ext ? ext->getAt(L"ACAD_DIMASSOC") : OdDbObjectId();
+}

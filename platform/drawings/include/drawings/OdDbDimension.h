@@ -42,6 +42,10 @@ public:
   // angular, 6 ordinate (code 70 & 7); arc-length and large-radius dimensions are
   // entities of their own.
   int dimensionType() const;
+  // The associativity object (extension dictionary entry "ACAD_DIMASSOC"); null when
+  // the dimension is not associative.
+  OdDbObjectId dimAssocId() const;
+  bool isAssociative() const { return !dimAssocId().isNull(); }
 
 protected:
   OdGePoint3d point(std::string_view marker, int code) const;
