@@ -62,6 +62,10 @@ size_t insertPosition(const OdDbObject& o, Range r, const DxfSubclass& s, int co
 }
 
 Range writableRange(OdDbObject& o, const DxfSubclass& s) {
+  // Without its name and common part the entity could not be written; which
+  // markers it needs depends on the drawing, which createFor is told.
+  if (o.tags().empty())
+    throw OdError(eNotApplicable, "a new " + std::string(s.marker) + " entity is made with createFor(database)");
   Range r = range(o, s);
   if (r.found) return r;
   size_t at = o.xdataStart();

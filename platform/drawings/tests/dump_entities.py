@@ -7,7 +7,7 @@ For every LINE, CIRCLE, ARC, POINT, SOLID, LWPOLYLINE, INSERT, TEXT, MTEXT and
 LEADER (in model space, paper space and block definitions alike) prints one JSON
 object per line: "file", "handle", "type" and the entity's properties under the
 names below. Points are [x, y, z] lists, angles are in degrees as ezdxf gives
-them, strings are decoded text. With --audit each file is also audited, and what
+them, strings are decoded text in UTF-8. With --audit each file is also audited, and what
 the audit found or fixed is printed to stderr: exit status 1 when it found or
 fixed anything (ezdxf silently repairs faults that other programs reject), 2 on
 bad usage or when ezdxf cannot be imported.
@@ -101,6 +101,7 @@ def properties(e):
 
 
 def main(args):
+    sys.stdout.reconfigure(encoding="utf-8")
     audit = "--audit" in args
     paths = [a for a in args if a != "--audit"]
     if not paths:
@@ -117,7 +118,7 @@ def main(args):
         for e in doc.entitydb.values():
             if e.is_alive and (p := properties(e)) is not None:
                 p.update(file=path, handle=e.dxf.handle, type=e.dxftype())
-                print(json.dumps(p, ensure_ascii=True))
+                print(json.dumps(p, ensure_ascii=False))
     return status
 
 
