@@ -12,6 +12,7 @@
 #include "drawings/OdDbDatabase.h"
 #include "drawings/OdDbDimStyleTableRecord.h"
 #include "drawings/OdDbDimension.h"
+#include "drawings/OdDbLeader.h"
 #include "drawings/OdDmUtil.h"
 
 namespace fs = std::filesystem;
@@ -110,10 +111,17 @@ TEST(DimStyle, EveryCorpusStyleAndHeaderAgreesWithAnIndependentReader) {
       if (section == "OVERRIDE") {
         DxfTag h;
         h.text = styleName;  // the entity's handle
-        auto dim = odOpen<OdDbDimension>(db->getOdDbObjectId(OdDbHandle(h.toHandle())));
-        if (!dim) continue;  // leaders come with their own class
-        EXPECT_TRUE(dim->hasDimVarOverride(index)) << entry.path().filename() << " " << styleName << " " << var;
-        ours = dim->dimVar(index);
+        OdDbObjectId id = db->getOdDbObjectId(OdDbHandle(h.toHandle()));
+        if (auto dim = odOpen<OdDbDimension>(id)) {
+          EXPECT_TRUE(dim->hasDimVarOverride(index)) << entry.path().filename() << " " << styleName << " " << var;
+          ours = dim->dimVar(index);
+        } else if (auto leader = odOpen<OdDbLeader>(id)) {
+          EXPECT_TRUE(leader->hasDimVarOverride(index)) << entry.path().filename() << " " << styleName << " " << var;
+          ours = leader->dimVar(index);
+        } else {
+          ADD_FAILURE() << "no dimension or leader " << styleName;
+          continue;
+        }
       } else if (section == "STYLE") {
         auto rec = odOpen<OdDbDimStyleTableRecord>(styles->getAt(OdString::fromUtf8(styleName)));
         ASSERT_TRUE(rec) << entry.path().filename() << ": no style " << styleName;
@@ -304,4 +312,35 @@ TEST(DimStyle, PurgeKeepsWhatDimensionsAndStylesUse) {
   OdDbObjectIdArray bids = blocks->recordIds();
   db->purge(bids);
   for (auto& id : bids) EXPECT_NE(odOpen<OdDbSymbolTableRecord>(id)->getName().left(1), OdString(L"_"));
+}
+
+TEST(DimStyle, OverridesAreChangedAndRemovedInPlace) {
+  const std::string path = std::string(CORPUS_DIR) + "/qcad__qcad__leader_overrides.dxf";
+  if (!fs::exists(path)) GTEST_SKIP();
+  OdDbDatabasePtr db = OdDbDatabase::readDxfFile(path);
+  std::string before = db->toDxf();
+  OdSmartPtr<OdDbLeader> leader;
+  auto ms = odOpen<OdDbBlockTableRecord>(db->getModelSpaceId());
+  const std::size_t asz = rowIndex("dimasz");
+  for (auto& id : ms->entityIds()) {
+    auto l = odOpen<OdDbLeader>(id, OdDb::kForWrite);
+    if (l && l->hasDimVarOverride(asz)) leader = l;
+  }
+  ASSERT_TRUE(leader);
+  ASSERT_TRUE(leader->hasDimVarOverride(asz));
+  const double style = odOpen<OdDbDimStyleTableRecord>(leader->dimensionStyle())->dimasz();
+  // Changing an override rewrites only its value.
+  leader->setDimasz(leader->dimasz() * 2);
+  OdDbDatabasePtr changed = OdDbDatabase::readDxf(db->toDxf());
+  EXPECT_DOUBLE_EQ(odOpen<OdDbLeader>(changed->getOdDbObjectId(leader->getDbHandle()))->dimasz(), leader->dimasz());
+  // Removing every override leaves the style's values and no DSTYLE group.
+  for (std::size_t row : leader->dimVarOverrides()) leader->removeDimVarOverride(row);
+  EXPECT_TRUE(leader->dimVarOverrides().empty());
+  EXPECT_DOUBLE_EQ(leader->dimasz(), style);
+  OdResBufPtr acad = leader->xData(L"ACAD");
+  for (OdResBufPtr p = acad; p; p = p->next()) EXPECT_NE(p->getString(), OdString(L"DSTYLE"));
+  std::string after = db->toDxf();
+  OdDbDatabasePtr again = OdDbDatabase::readDxf(after);
+  EXPECT_TRUE(odOpen<OdDbLeader>(again->getOdDbObjectId(leader->getDbHandle()))->dimVarOverrides().empty());
+  EXPECT_LT(after.size(), before.size());
 }

@@ -4,8 +4,9 @@
 #pragma once
 
 #include "drawings/OdDbGeometry.h"
+#include "drawings/OdDimVarSource.h"
 
-class OdDbLeader : public OdDbCurve {
+class OdDbLeader : public OdDbCurve, public OdDimVarSource {
   ODRX_DECLARE_MEMBERS(OdDbLeader)
 
 public:
@@ -40,6 +41,13 @@ public:
   void detachAnnotation();
 
   // The DIMSTYLE record named by the leader; null when missing or in no drawing.
+  // Dimension variables: the leader's own override, else its style's value.
+  OdDimVarValue dimVar(std::size_t row) const override;
+  void setDimVar(std::size_t row, const OdDimVarValue& value) override;
+  bool hasDimVarOverride(std::size_t row) const;
+  void removeDimVarOverride(std::size_t row);
+  std::vector<std::size_t> dimVarOverrides() const;
+
   OdDbObjectId dimensionStyle() const;
   void setDimensionStyle(const OdDbObjectId& styleId);
 };
