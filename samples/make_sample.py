@@ -347,6 +347,11 @@ doc.header["$DIMJOGANG"] = math.radians(45)  # the header holds radians
 doc.header["$DIMFXL"] = 1.0
 doc.header["$DIMADEC"] = 0
 doc.header["$DIMAZIN"] = 0
+# Current settings that differ from the current style: the drawing opens with
+# style overrides, as after a user set DIMASZ and DIMTXT on the command line.
+doc.header["$DIMASZ"] = 3.0
+doc.header["$DIMTXT"] = 3.5
+doc.header["$DIMCLRD"] = 1
 
 # Write each style as CAD programs do: only the codes whose value differs from
 # imperial, plus name, flags and text style. The library writes every code, so

@@ -344,3 +344,60 @@ TEST(DimStyle, OverridesAreChangedAndRemovedInPlace) {
   EXPECT_TRUE(odOpen<OdDbLeader>(again->getOdDbObjectId(leader->getDbHandle()))->dimVarOverrides().empty());
   EXPECT_LT(after.size(), before.size());
 }
+
+TEST(DimStyle, TheSampleDrawingOpensWithStyleOverridesAndEveryDimensionKind) {
+  const std::string sample = TESTS_DIR "/../../../samples/dimstyles.dxf";
+  if (!fs::exists(sample)) GTEST_SKIP() << "no sample drawing";
+  OdDbDatabasePtr db = OdDbDatabase::readDxfFile(sample);
+  auto current = odOpen<OdDbDimStyleTableRecord>(db->dimstyle());
+  ASSERT_TRUE(current);
+  std::set<std::string> differing;
+  for (std::size_t i = 0; i < kDimVarCatalogueSize; ++i)
+    if (!OdDimVarValue::same(kDimVarDefaults[i].kind, db->dimVar(i), current->dimVar(i)))
+      differing.insert(std::string(kDimVarDefaults[i].name));
+  EXPECT_EQ(differing, (std::set<std::string>{"DIMASZ", "DIMCLRD", "DIMTXT"}));
+  // Every kind of dimension, a leader, and overrides on some of them.
+  std::set<std::string> kinds;
+  int withOverrides = 0;
+  auto ms = odOpen<OdDbBlockTableRecord>(db->getModelSpaceId());
+  for (auto& id : ms->entityIds()) {
+    auto e = odOpen<OdDbEntity>(id);
+    if (auto d = odOpen<OdDbDimension>(id)) {
+      kinds.insert(d->isA()->name().toUtf8());
+      withOverrides += !d->dimVarOverrides().empty();
+    } else if (auto l = odOpen<OdDbLeader>(id)) {
+      kinds.insert("OdDbLeader");
+      withOverrides += !l->dimVarOverrides().empty();
+    }
+  }
+  EXPECT_EQ(kinds, (std::set<std::string>{"OdDbRotatedDimension", "OdDbAlignedDimension", "OdDb2LineAngularDimension",
+                                          "OdDb3PointAngularDimension", "OdDbDiametricDimension", "OdDbRadialDimension",
+                                          "OdDbOrdinateDimension", "OdDbArcDimension", "OdDbLeader"}));
+  EXPECT_GE(withOverrides, 3);
+}
+
+TEST(DimStyle, ExtendedDataOfTheDimensionApplicationsIsKeptAndSettable) {
+  const std::string path = std::string(CORPUS_DIR) + "/DomCR__ACadSharp__sample_AC1018_ascii.dxf";
+  if (!fs::exists(path)) GTEST_SKIP();
+  OdDbDatabasePtr db = OdDbDatabase::readDxfFile(path);
+  auto styles = odOpen<OdDbSymbolTable>(db->getDimStyleTableId());
+  auto annotative = odOpen<OdDbDimStyleTableRecord>(styles->getAt(L"Annotative"), OdDb::kForWrite);
+  ASSERT_TRUE(annotative);
+  EXPECT_TRUE(annotative->isAnnotative());
+  OdResBufPtr taln = annotative->xData(L"ACAD_DSTYLE_DIMTALN");
+  ASSERT_TRUE(taln);
+  EXPECT_EQ(taln->next()->getInt16(), 392);
+  // Set the value that follows the 392 marker, and make a plain style annotative.
+  taln->next()->next()->setInt16(1);
+  annotative->setXData(taln.get());
+  auto standard = odOpen<OdDbDimStyleTableRecord>(styles->getAt(L"Standard"), OdDb::kForWrite);
+  EXPECT_FALSE(standard->isAnnotative());
+  standard->setAnnotative(true);
+  OdDbDatabasePtr again = OdDbDatabase::readDxf(db->toDxf());
+  auto styles2 = odOpen<OdDbSymbolTable>(again->getDimStyleTableId());
+  auto a2 = odOpen<OdDbDimStyleTableRecord>(styles2->getAt(L"Annotative"));
+  EXPECT_EQ(a2->xData(L"ACAD_DSTYLE_DIMTALN")->next()->next()->getInt16(), 1);
+  EXPECT_TRUE(odOpen<OdDbDimStyleTableRecord>(styles2->getAt(L"Standard"))->isAnnotative());
+  // The other groups of the record are still there.
+  EXPECT_TRUE(a2->xData(L"ACAD_DSTYLE_DIMJAG"));
+}
