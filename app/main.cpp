@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "host/HostCommandLine.h"
+#include "host/HostServices.h"
 #include "host/HostSession.h"
 #include "host/HostTrace.h"
 
@@ -34,6 +35,7 @@ int main(int argc, char** argv) {
     if (a.size() > 1 && a[0] == '-') return usage();
     drawings.push_back(a);
   }
+  hostSetLanguage(lang);
   if (!trace.empty() && !hostTraceSetFile(trace.c_str())) std::cerr << "cannot write the trace file " << trace << "\n";
 
   std::ifstream scriptFile;

@@ -1,5 +1,7 @@
 #include "host/HostSession.h"
 
+#include "host/HostServices.h"
+
 #include <algorithm>
 #include <cctype>
 #include <cstdlib>
@@ -10,6 +12,14 @@ static const std::vector<std::string> kVersionKeywords = {"R12", "R2000", "R2004
 std::string HostDocument::title() const { return path.empty() ? std::string("Drawing") : path; }
 
 HostSession::HostSession(HostCommandLine& cl) : m_cl(cl) {
+  // Questions are asked on the command line: the lines of the text, then a Yes/No
+  // prompt on its last line, No by default so that Enter changes nothing.
+  hostSetYesNoHandler([this](const std::wstring& question) {
+    std::string text = odstr::narrow(question);
+    size_t last = text.find_last_of('\n');
+    if (last != std::string::npos) m_cl.println(text.substr(0, last));
+    return m_cl.getYesNo(last == std::string::npos ? text : text.substr(last + 1), false);
+  });
   addCommand("OPEN", [this] { cmdOpen(); }, false);
   addCommand("NEW", [this] { cmdNew(); }, false);
   addCommand("SAVE", [this] { cmdSave(); }, false);
@@ -27,6 +37,13 @@ void HostSession::addCommand(const std::string& name, Command handler, bool undo
   m_commands[n] = CommandEntry{std::move(handler), undoable};
 }
 
+void HostSession::activeChanged() {
+  HostDocument* doc = activeDocument();
+  hostSetActiveDatabase(doc ? doc->database.get() : nullptr);
+}
+
+HostSession::~HostSession() { hostSetActiveDatabase(nullptr); hostSetYesNoHandler(nullptr); }
+
 HostDocument* HostSession::activeDocument() { return m_docs.empty() ? nullptr : m_docs[m_active].get(); }
 
 bool HostSession::open(const std::string& path) {
@@ -37,6 +54,7 @@ bool HostSession::open(const std::string& path) {
     for (const auto& w : doc->database->loadWarnings()) m_cl.println("Warning: " + w);
     m_docs.push_back(std::move(doc));
     m_active = m_docs.size() - 1;
+    activeChanged();
     m_cl.println("Opened " + path + " (" + std::string(dxfver::keyword(m_docs.back()->database->version())) +
                  (m_docs.back()->database->format() == DxfFormat::Binary ? ", binary" : "") + ").");
     return true;
@@ -108,6 +126,7 @@ void HostSession::cmdNew() {
     doc->database = OdDbDatabase::createNew(version, k == "Metric");
     m_docs.push_back(std::move(doc));
     m_active = m_docs.size() - 1;
+    activeChanged();
     m_cl.println("New " + k + " drawing (" + std::string(dxfver::keyword(version)) + ").");
     return;
   }
@@ -182,6 +201,7 @@ void HostSession::cmdClose() {
   }
   m_docs.erase(m_docs.begin() + static_cast<long>(m_active));
   m_active = m_docs.empty() ? 0 : m_docs.size() - 1;
+  activeChanged();
 }
 
 void HostSession::cmdUndo() {

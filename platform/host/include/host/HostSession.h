@@ -21,6 +21,7 @@ struct HostDocument {
 class HostSession {
 public:
   explicit HostSession(HostCommandLine& cl);
+  ~HostSession();
 
   // Opens a drawing and makes it active; reports a failure and returns false.
   bool open(const std::string& path);
@@ -49,6 +50,7 @@ private:
   void cmdClose();
   void cmdUndo();
   void cmdRedo();
+  void activeChanged();  // tells the host services which drawing is active
   bool save(HostDocument& doc, const std::string& path, const DxfSaveOptions& options);
 
   HostCommandLine& m_cl;
