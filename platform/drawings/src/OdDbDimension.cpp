@@ -1,7 +1,5 @@
 #include "drawings/OdDbDimension.h"
 
-#include "DimOverrides.h"
-#include "DimVarStorage.h"
 #include "EntityTags.h"
 #include "drawings/OdDbDatabase.h"
 #include "drawings/OdDbDimStyleTableRecord.h"
@@ -72,28 +70,6 @@ void OdDbDimension::setPoint(std::string_view marker, int code, const OdGePoint3
   assertWriteEnabled();
   entitytags::setPoint(*this, subclass(marker), code, p);
 }
-
-// ---- dimension variables ----
-
-OdDimVarValue OdDbDimension::dimVar(std::size_t row) const {
-  if (auto v = dimoverrides::get(*this, row)) return *v;
-  if (auto style = odOpen<OdDbDimStyleTableRecord>(dimensionStyle())) return style->dimVar(row);
-  return dimvarstore::builtIn(kDimVarDefaults[row], database());
-}
-
-void OdDbDimension::setDimVar(std::size_t row, const OdDimVarValue& value) {
-  assertWriteEnabled();
-  dimoverrides::set(*this, row, value);
-}
-
-bool OdDbDimension::hasDimVarOverride(std::size_t row) const { return dimoverrides::get(*this, row).has_value(); }
-
-void OdDbDimension::removeDimVarOverride(std::size_t row) {
-  assertWriteEnabled();
-  dimoverrides::remove(*this, row);
-}
-
-std::vector<std::size_t> OdDbDimension::dimVarOverrides() const { return dimoverrides::rows(*this); }
 
 // ---- common data ----
 

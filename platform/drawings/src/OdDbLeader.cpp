@@ -1,8 +1,5 @@
 #include "drawings/OdDbLeader.h"
 
-#include "DimOverrides.h"
-#include "DimVarStorage.h"
-#include "drawings/OdDbDimStyleTableRecord.h"
 
 #include <vector>
 
@@ -167,22 +164,3 @@ void OdDbLeader::setDimensionStyle(const OdDbObjectId& styleId) {
   setText(*this, kLeader, 3, std::move(name));
 }
 
-OdDimVarValue OdDbLeader::dimVar(std::size_t row) const {
-  if (auto v = dimoverrides::get(*this, row)) return *v;
-  if (auto style = odOpen<OdDbDimStyleTableRecord>(dimensionStyle())) return style->dimVar(row);
-  return dimvarstore::builtIn(kDimVarDefaults[row], database());
-}
-
-void OdDbLeader::setDimVar(std::size_t row, const OdDimVarValue& value) {
-  assertWriteEnabled();
-  dimoverrides::set(*this, row, value);
-}
-
-bool OdDbLeader::hasDimVarOverride(std::size_t row) const { return dimoverrides::get(*this, row).has_value(); }
-
-void OdDbLeader::removeDimVarOverride(std::size_t row) {
-  assertWriteEnabled();
-  dimoverrides::remove(*this, row);
-}
-
-std::vector<std::size_t> OdDbLeader::dimVarOverrides() const { return dimoverrides::rows(*this); }

@@ -2,6 +2,8 @@
 // not modelled, tables, dictionaries, extended data, handles, purge and saving.
 #include <gtest/gtest.h>
 
+#include "TestSupport.h"
+
 #include <algorithm>
 #include <filesystem>
 #include <set>
@@ -13,15 +15,8 @@
 namespace fs = std::filesystem;
 
 namespace {
+using namespace testsupport;
 
-std::string corpus(const char* name) { return std::string(CORPUS_DIR) + "/" + name; }
-
-std::string slurp(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::ostringstream s;
-  s << in.rdbuf();
-  return s.str();
-}
 
 OdDbDatabasePtr load(const char* name) {
   if (!fs::exists(corpus(name))) return OdDbDatabasePtr();
@@ -32,23 +27,7 @@ OdDbDatabasePtr load(const char* name) {
   OdDbDatabasePtr var = load(name);                       \
   if (!var) GTEST_SKIP() << "corpus file missing: " << name
 
-std::vector<std::string> lines(const std::string& s) {
-  std::vector<std::string> out;
-  std::istringstream in(s);
-  for (std::string l; std::getline(in, l);) out.push_back(l);
-  return out;
-}
 
-// The lines of `b` between the longest common start and end with `a`: what an
-// edit in one place changed or added.
-std::vector<std::string> changedRegion(const std::string& a, const std::string& b) {
-  auto la = lines(a), lb = lines(b);
-  size_t p = 0;
-  while (p < la.size() && p < lb.size() && la[p] == lb[p]) ++p;
-  size_t q = 0;
-  while (q < la.size() - p && q < lb.size() - p && la[la.size() - 1 - q] == lb[lb.size() - 1 - q]) ++q;
-  return std::vector<std::string>(lb.begin() + static_cast<long>(p), lb.end() - static_cast<long>(q));
-}
 
 OdDbEntityPtr firstEntity(OdDbDatabase& db, const char* dxfName) {
   auto ms = odOpen<OdDbBlockTableRecord>(db.getModelSpaceId());

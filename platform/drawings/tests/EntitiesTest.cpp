@@ -3,6 +3,8 @@
 // that change nothing but the value edited.
 #include <gtest/gtest.h>
 
+#include "TestSupport.h"
+
 #include <cmath>
 #include <cstdio>
 #include <filesystem>
@@ -22,6 +24,7 @@
 namespace fs = std::filesystem;
 
 namespace {
+using namespace testsupport;
 
 // ---- JSON, as the dump script prints it and as we describe our entities ----
 
@@ -252,24 +255,7 @@ OdDbEntityPtr entityByHandle(const OdDbDatabase& db, const std::string& hex) {
   return odOpen<OdDbEntity>(db.getOdDbObjectId(OdDbHandle(std::stoull(hex, nullptr, 16))));
 }
 
-std::string corpus(const char* name) { return std::string(CORPUS_DIR) + "/" + name; }
 
-std::vector<std::string> lines(const std::string& s) {
-  std::vector<std::string> out;
-  std::istringstream in(s);
-  for (std::string l; std::getline(in, l);) out.push_back(l);
-  return out;
-}
-
-// The lines of b that differ from a, between their common beginning and end.
-std::vector<std::string> changedRegion(const std::string& a, const std::string& b) {
-  auto la = lines(a), lb = lines(b);
-  size_t p = 0;
-  while (p < la.size() && p < lb.size() && la[p] == lb[p]) ++p;
-  size_t q = 0;
-  while (q < la.size() - p && q < lb.size() - p && la[la.size() - 1 - q] == lb[lb.size() - 1 - q]) ++q;
-  return std::vector<std::string>(lb.begin() + static_cast<long>(p), lb.end() - static_cast<long>(q));
-}
 
 }  // namespace
 

@@ -5,21 +5,12 @@
 #include <vector>
 
 #include "drawings/OdDbEntity.h"
-#include "drawings/OdDimVarSource.h"
+#include "drawings/OdDimVarOverrides.h"
 
-class OdDbDimension : public OdDbEntity, public OdDimVarSource {
+class OdDbDimension : public OdDbEntity, public OdDimVarOverrides {
   ODRX_DECLARE_MEMBERS(OdDbDimension)
 
 public:
-  // The effective value: the override if there is one, else the style's.
-  OdDimVarValue dimVar(std::size_t row) const override;
-  // Sets the override.
-  void setDimVar(std::size_t row, const OdDimVarValue& value) override;
-  bool hasDimVarOverride(std::size_t row) const;
-  void removeDimVarOverride(std::size_t row);
-  // Rows with an override, in the order the entity stores them.
-  std::vector<std::size_t> dimVarOverrides() const;
-
   // The style (code 3); files that name none use "Standard".
   OdDbObjectId dimensionStyle() const;
   void setDimensionStyle(const OdDbObjectId& styleId);
@@ -48,6 +39,9 @@ public:
   bool isAssociative() const { return !dimAssocId().isNull(); }
 
 protected:
+  const OdDbObject& overridesHolder() const override { return *this; }
+  OdDbObject& overridesHolder() override { return *this; }
+  OdDbObjectId overridesStyle() const override { return dimensionStyle(); }
   OdGePoint3d point(std::string_view marker, int code) const;
   void setPoint(std::string_view marker, int code, const OdGePoint3d& p);
 };

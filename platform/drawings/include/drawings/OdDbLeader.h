@@ -4,9 +4,9 @@
 #pragma once
 
 #include "drawings/OdDbGeometry.h"
-#include "drawings/OdDimVarSource.h"
+#include "drawings/OdDimVarOverrides.h"
 
-class OdDbLeader : public OdDbCurve, public OdDimVarSource {
+class OdDbLeader : public OdDbCurve, public OdDimVarOverrides {
   ODRX_DECLARE_MEMBERS(OdDbLeader)
 
 public:
@@ -41,14 +41,12 @@ public:
   void detachAnnotation();
 
   // The DIMSTYLE record named by the leader; null when missing or in no drawing.
-  // Dimension variables: the leader's own override, else its style's value.
-  OdDimVarValue dimVar(std::size_t row) const override;
-  void setDimVar(std::size_t row, const OdDimVarValue& value) override;
-  bool hasDimVarOverride(std::size_t row) const;
-  void removeDimVarOverride(std::size_t row);
-  std::vector<std::size_t> dimVarOverrides() const;
-
   OdDbObjectId dimensionStyle() const;
   void setDimensionStyle(const OdDbObjectId& styleId);
+
+ protected:
+  const OdDbObject& overridesHolder() const override { return *this; }
+  OdDbObject& overridesHolder() override { return *this; }
+  OdDbObjectId overridesStyle() const override { return dimensionStyle(); }
 };
 using OdDbLeaderPtr = OdSmartPtr<OdDbLeader>;
