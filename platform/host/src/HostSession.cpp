@@ -29,6 +29,15 @@ HostSession::HostSession(HostCommandLine& cl) : m_cl(cl) {
   addCommand("EXIT", [this] { m_quit = true; }, false);
   addCommand("UNDO", [this] { cmdUndo(); }, false);
   addCommand("REDO", [this] { cmdRedo(); }, false);
+  addCommand("HELP", [this] { cmdHelp(); }, false);
+  addCommand("?", [this] { cmdHelp(); }, false);
+}
+
+void HostSession::cmdHelp() {
+  std::string list;
+  for (const auto& [name, entry] : m_commands)
+    if (name != "?") list += (list.empty() ? "" : " ") + name;
+  m_cl.println("Commands: " + list);
 }
 
 void HostSession::addCommand(const std::string& name, Command handler, bool undoable) {
@@ -199,9 +208,11 @@ void HostSession::cmdClose() {
     m_cl.println("No drawing is open.");
     return;
   }
+  m_cl.println("Closed " + m_docs[m_active]->title() + ".");
   m_docs.erase(m_docs.begin() + static_cast<long>(m_active));
   m_active = m_docs.empty() ? 0 : m_docs.size() - 1;
   activeChanged();
+  if (HostDocument* doc = activeDocument()) m_cl.println("Active drawing: " + doc->title() + ".");
 }
 
 void HostSession::cmdUndo() {

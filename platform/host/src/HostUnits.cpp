@@ -1,5 +1,6 @@
 #include "host/HostUnits.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdint>
@@ -173,7 +174,7 @@ std::wstring angleText(double radians, int unit, int prec) {
   double deg = std::fmod(radians * 180.0 / kPi, 360.0);
   if (deg < 0) deg += 360.0;
   const int64_t perDeg = dmsUnitsPerDegree(prec);
-  int64_t n;
+  int64_t n = 0;
   roundScaled(deg, static_cast<double>(perDeg), n);  // at most 360 * 3.6e7: always fits
   const int64_t q = 90 * perDeg;
   if (n >= 4 * q) n = 0;

@@ -48,6 +48,7 @@ private:
   void cmdSave();
   void cmdSaveAs();
   void cmdClose();
+  void cmdHelp();
   void cmdUndo();
   void cmdRedo();
   void activeChanged();  // tells the host services which drawing is active
