@@ -154,13 +154,16 @@ std::wstring dmsText(int64_t n, int prec) {
 }
 
 // `turn` units make a full turn; the value is wrapped into [0, turn) and written
-// with `prec` decimals, a rounding that reaches the full turn reading as zero.
+// with `prec` decimals. A value that rounds to the full turn, or lies nearer to it
+// than to its rounded text (radians: 6.2831853 at 3 places), reads as zero.
 std::wstring turnText(double value, double turn, int prec) {
   double w = std::fmod(value, turn);
   if (w < 0) w += turn;
+  const double scale = static_cast<double>(pow10i(prec));
   int64_t n;
-  if (!roundScaled(w, static_cast<double>(pow10i(prec)), n)) return bigFixedText(w, prec);
-  if (static_cast<double>(n) >= turn * static_cast<double>(pow10i(prec))) n = 0;
+  if (!roundScaled(w, scale, n)) return bigFixedText(w, prec);
+  const double shown = static_cast<double>(n);
+  if (shown >= turn * scale || (turn - w) * scale < std::fabs(shown - w * scale)) n = 0;
   return fixedText(n, prec);
 }
 

@@ -12,7 +12,9 @@ const OdDimVarSource* sideOrCurrent(const OdDimVarSource* side) {
   return side ? side : hostActiveDatabase();
 }
 
-void listDifferences(const OdDimVarSource* pFirst, const OdDimVarSource* pSecond, DimVarCells& out,
+}  // namespace
+
+void ListDimVarDifferences(const OdDimVarSource* pFirst, const OdDimVarSource* pSecond, DimVarCells& out,
                      bool withDescriptions) {
   if (!pFirst || !pSecond) return;
   out.clear();
@@ -41,7 +43,7 @@ void listDifferences(const OdDimVarSource* pFirst, const OdDimVarSource* pSecond
   }
 }
 
-void listValues(const OdDimVarSource& side, DimVarCells& out, bool withDescriptions) {
+void ListDimVarValues(const OdDimVarSource& side, DimVarCells& out, bool withDescriptions) {
   const auto w = static_cast<std::size_t>(withDescriptions ? kValueColumnsDescribed : kValueColumns);
   out.assign(kDimVarCount * w, CXStringW());
   for (const DimVarInfo& v : DimVarTable) {
@@ -53,40 +55,42 @@ void listValues(const OdDimVarSource& side, DimVarCells& out, bool withDescripti
   }
 }
 
-// Writes every variable of `from` into `to`. Equal values are left alone, so a
-// copy changes (and marks for undo and saving) only what really differs.
-void copyAll(const OdDimVarSource& from, OdDimVarSource& to) {
+// Equal values are left alone, so that a copy changes (and marks for undo and
+// saving) only what really differs.
+void CopyDimVars(const OdDimVarSource& from, OdDimVarSource& to) {
   for (const DimVarInfo& v : DimVarTable) {
     const OdDimVarValue value = v.get(from);
     if (v.differ(value, v.get(to))) v.set(to, value);
   }
 }
 
-}  // namespace
-
-bool HasOverrides(const OdDbDimStyleTableRecord* pStyle, const OdDbDatabase* pDb) {
-  const OdDimVarSource* a = sideOrCurrent(pStyle);
-  const OdDimVarSource* b = sideOrCurrent(pDb);
-  if (!a || !b || a == b) return false;
+bool DimVarsDiffer(const OdDimVarSource& a, const OdDimVarSource& b) {
+  if (&a == &b) return false;
   for (const DimVarInfo& v : DimVarTable) {
-    if (v.differ(v.get(*a), v.get(*b))) return true;
+    if (v.differ(v.get(a), v.get(b))) return true;
   }
   return false;
 }
 
+bool HasOverrides(const OdDbDimStyleTableRecord* pStyle, const OdDbDatabase* pDb) {
+  const OdDimVarSource* a = sideOrCurrent(pStyle);
+  const OdDimVarSource* b = sideOrCurrent(pDb);
+  return a && b && DimVarsDiffer(*a, *b);
+}
+
 void ListDifferencesCurrentStyle(const OdDbDatabase* pDb, const OdDbDimStyleTableRecord* pSecond, DimVarCells& out,
                                  bool withDescriptions) {
-  listDifferences(sideOrCurrent(pDb), sideOrCurrent(pSecond), out, withDescriptions);
+  ListDimVarDifferences(sideOrCurrent(pDb), sideOrCurrent(pSecond), out, withDescriptions);
 }
 
 void ListDifferencesStyleStyle(const OdDbDimStyleTableRecord* pFirst, const OdDbDimStyleTableRecord* pSecond,
                                DimVarCells& out, bool withDescriptions) {
-  listDifferences(sideOrCurrent(pFirst), sideOrCurrent(pSecond), out, withDescriptions);
+  ListDimVarDifferences(sideOrCurrent(pFirst), sideOrCurrent(pSecond), out, withDescriptions);
 }
 
 void ListDifferencesStyleCurrent(const OdDbDimStyleTableRecord* pFirst, const OdDbDatabase* pDb, DimVarCells& out,
                                  bool withDescriptions) {
-  listDifferences(sideOrCurrent(pFirst), sideOrCurrent(pDb), out, withDescriptions);
+  ListDimVarDifferences(sideOrCurrent(pFirst), sideOrCurrent(pDb), out, withDescriptions);
 }
 
 void ListDifferences(const OdDbDimStyleTableRecord* pFirst, const OdDbDimStyleTableRecord* pSecond, DimVarCells& out,
@@ -101,26 +105,26 @@ void ListStyleValues(const OdDbDimStyleTableRecord* pStyle, DimVarCells& out, bo
     ListCurrentValues(nullptr, out, withDescriptions);
     return;
   }
-  listValues(*pStyle, out, withDescriptions);
+  ListDimVarValues(*pStyle, out, withDescriptions);
 }
 
 void ListStyleValues(const OdDbObjectId& styleId, DimVarCells& out, bool withDescriptions) {
   OdDbDimStyleTableRecordPtr pStyle = odOpen<OdDbDimStyleTableRecord>(styleId);
   RETERRIF3VOID(!pStyle);
-  listValues(*pStyle, out, withDescriptions);
+  ListDimVarValues(*pStyle, out, withDescriptions);
 }
 
 void ListCurrentValues(const OdDbDatabase* pDb, DimVarCells& out, bool withDescriptions) {
   const OdDimVarSource* pCurrent = sideOrCurrent(pDb);
   RETERRIF3VOID(!pCurrent);
-  listValues(*pCurrent, out, withDescriptions);
+  ListDimVarValues(*pCurrent, out, withDescriptions);
 }
 
 VxResult CopyStyleToCurrent(OdDbDatabase* pDb, const OdDbDimStyleTableRecord* pStyle) {
   if (!pDb) pDb = hostActiveDatabase();
   RETERRIF(!pDb, E_INVALIDARG);
   RETERRIF(!pStyle, E_INVALIDARG);
-  copyAll(*pStyle, *pDb);
+  CopyDimVars(*pStyle, *pDb);
   return S_OK;
 }
 
@@ -129,7 +133,7 @@ VxResult CopyCurrentToStyle(OdDbDimStyleTableRecord* pStyle, const OdDbDatabase*
   RETERRIF(!pDb, E_INVALIDARG);
   RETERRIF(!pStyle, E_INVALIDARG);
   RETERRIF(!pStyle->isWriteEnabled(), E_INVALIDARG);
-  copyAll(*pDb, *pStyle);
+  CopyDimVars(*pDb, *pStyle);
   return S_OK;
 }
 

@@ -9,6 +9,7 @@
 
 #include "drawings/OdDbDatabase.h"
 #include "drawings/OdDbDimStyleTableRecord.h"
+#include "drawings/OdDimVarSource.h"
 #include "vextempl.h"
 #include "vextypes.h"
 
@@ -50,5 +51,15 @@ void ListCurrentValues(const OdDbDatabase* pDb, DimVarCells& out, bool withDescr
 VxResult CopyStyleToCurrent(OdDbDatabase* pDb, const OdDbDimStyleTableRecord* pStyle);
 // Every current setting is written into the record, which the caller has opened for write.
 VxResult CopyCurrentToStyle(OdDbDimStyleTableRecord* pStyle, const OdDbDatabase* pDb);
+
+// The walks behind the operations above, over any two holders of a full set of
+// values (style records, current settings, a dimension with its overrides, of
+// one drawing or of two). No side is substituted here.
+bool DimVarsDiffer(const OdDimVarSource& a, const OdDimVarSource& b);
+void ListDimVarDifferences(const OdDimVarSource* pFirst, const OdDimVarSource* pSecond, DimVarCells& out,
+                           bool withDescriptions);
+void ListDimVarValues(const OdDimVarSource& side, DimVarCells& out, bool withDescriptions);
+// Writes the variables of `from` that differ into `to`.
+void CopyDimVars(const OdDimVarSource& from, OdDimVarSource& to);
 
 }  // namespace dds
