@@ -98,7 +98,9 @@ inline OdDimVarValue otherValue(const dds::DimVarInfo& v, const OdDimVarValue& c
     case DimVarKind::LineWeight: x.number = current.number == 25.0 ? 50.0 : 25.0; break;
     case DimVarKind::Double: x.number = current.number + 0.5; break;
     case DimVarKind::String: x.text = current.text + OdString(L"x"); break;
-    case DimVarKind::Color: x.color.setColorIndex(current.color.isByACI() && current.color.colorIndex() == 3 ? 5 : 3); break;
+    case DimVarKind::Color:
+      x.color.setColorIndex(current.color.isByACI() && current.color.colorIndex() == 3 ? 5 : 3);
+      break;
     case DimVarKind::Block: {
       const OdDbObjectId tick = OdDmUtil::getArrowId(L"_ArchTick", &db);
       x.id = current.id == tick ? OdDmUtil::getArrowId(L"_Dot", &db) : tick;

@@ -1,7 +1,8 @@
 #include "host/HostCommandLine.h"
 
 #include <algorithm>
-#include <cctype>
+
+#include "drawings/OdString.h"
 
 HostCommandLine::HostCommandLine(std::istream& in, std::ostream& out, bool echo) : m_in(in), m_out(out), m_echo(echo) {}
 
@@ -28,24 +29,28 @@ std::string HostCommandLine::getLine(const std::string& prompt) {
   return b == std::string::npos ? std::string() : line.substr(b, e - b + 1);
 }
 
-static std::string upper(std::string s) {
-  for (auto& c : s) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-  return s;
+// A keyword's short form is its leading capitals: letters of any script that
+// have a lower-case form, and digits.
+static bool isCapital(wchar_t c) {
+  if (c >= L'0' && c <= L'9') return true;
+  if (odstr::foldCase(c) != c) return false;  // a lower-case letter
+  return OdString(std::wstring(1, c)).makeLower().str()[0] != c;
 }
 
 std::optional<std::string> HostCommandLine::matchKeyword(const std::string& input, const std::vector<std::string>& keywords) {
   if (input.empty()) return std::nullopt;
-  std::string in = upper(input);
-  if (in.size() > 1 && in[0] == '_') in.erase(0, 1);  // the language-independent form
+  std::wstring in = odstr::folded(odstr::widen(input));
+  if (in.size() > 1 && in[0] == L'_') in.erase(0, 1);  // the language-independent form
   for (const auto& k : keywords)
-    if (upper(k) == in) return k;
+    if (odstr::folded(odstr::widen(k)) == in) return k;
   // The short form: the keyword's leading capital letters (and digits), or any
   // longer prefix of the keyword.
   for (const auto& k : keywords) {
+    const std::wstring w = odstr::widen(k);
     size_t caps = 0;
-    while (caps < k.size() && (std::isupper(static_cast<unsigned char>(k[caps])) || std::isdigit(static_cast<unsigned char>(k[caps])))) ++caps;
-    if (caps == 0) caps = k.size();
-    if (in.size() >= caps && in.size() <= k.size() && upper(k).compare(0, in.size(), in) == 0) return k;
+    while (caps < w.size() && isCapital(w[caps])) ++caps;
+    if (caps == 0) caps = w.size();
+    if (in.size() >= caps && in.size() <= w.size() && odstr::folded(w).compare(0, in.size(), in) == 0) return k;
   }
   return std::nullopt;
 }

@@ -15,7 +15,7 @@ const OdDimVarSource* sideOrCurrent(const OdDimVarSource* side) {
 }  // namespace
 
 void ListDimVarDifferences(const OdDimVarSource* pFirst, const OdDimVarSource* pSecond, DimVarCells& out,
-                     bool withDescriptions) {
+                           bool withDescriptions) {
   if (!pFirst || !pSecond) return;
   out.clear();
   // A record and the database are different holders, so only two records (or

@@ -9,8 +9,9 @@
 
 namespace dds {
 
-// Resource ids. Ids the dialogs and the saved drawings' users know are fixed;
-// the arrowhead names and the module texts from 1300 on are the module's own.
+// Resource ids. Those below 1300 are fixed, since the dialog resources and their
+// translations refer to them; the arrowhead names and the module texts from
+// 1300 on are the module's own choice.
 enum StringId : int {
   IDS_USE_ALL = 1009,  // "All dimensions", then one entry per child kind
   IDS_USE_LINEAR = 1010,
