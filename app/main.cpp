@@ -1,25 +1,39 @@
 // vexhost: the host program. For now the command line on a terminal (--console).
+// It loads the modules of the folder "modules" beside it, and those named with
+// --module, before it opens the drawings named on the command line.
 #include <unistd.h>
 
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <string>
 #include <vector>
 
 #include "host/HostCommandLine.h"
+#include "host/HostFuncPtr.h"
+#include "host/HostModules.h"
 #include "host/HostServices.h"
 #include "host/HostSession.h"
 #include "host/HostTrace.h"
 
+extern "C" void* get_host_funcptr(int which) { return hostFuncPtr(which); }
+
 static int usage() {
-  std::cerr << "usage: vexhost --console [--script FILE] [--lang en|ru] [--trace FILE] [DRAWING ...]\n";
+  std::cerr << "usage: vexhost --console [--script FILE] [--lang en|ru] [--trace FILE] [--module FILE ...] "
+               "[DRAWING ...]\n";
   return 2;
+}
+
+static std::string modulesFolder() {
+  std::error_code ec;
+  const std::filesystem::path exe = std::filesystem::read_symlink("/proc/self/exe", ec);
+  return ec ? std::string() : (exe.parent_path() / "modules").string();
 }
 
 int main(int argc, char** argv) {
   std::string script, lang = "en", trace;
-  std::vector<std::string> drawings;
+  std::vector<std::string> drawings, modules;
   for (int i = 1; i < argc; ++i) {
     std::string a = argv[i];
     auto value = [&](std::string& out) {
@@ -31,6 +45,7 @@ int main(int argc, char** argv) {
     if (a == "--script") { if (!value(script)) return usage(); continue; }
     if (a == "--lang") { if (!value(lang) || (lang != "en" && lang != "ru")) return usage(); continue; }
     if (a == "--trace") { if (!value(trace)) return usage(); continue; }
+    if (a == "--module") { std::string m; if (!value(m)) return usage(); modules.push_back(m); continue; }
     if (a == "-h" || a == "--help") { usage(); return 0; }
     if (a.size() > 1 && a[0] == '-') return usage();
     drawings.push_back(a);
@@ -49,7 +64,13 @@ int main(int argc, char** argv) {
   std::istream& in = script.empty() ? std::cin : scriptFile;
   HostCommandLine cl(in, std::cout, !script.empty() || !isatty(0));
   HostSession session(cl);
+  HostModules loaded([&cl](const std::string& problem) { cl.println(problem); });
+  if (const std::string folder = modulesFolder(); !folder.empty()) loaded.loadFolder(folder);
+  for (const auto& m : modules) loaded.load(m);
   for (const auto& d : drawings) session.open(d);
   session.run();
+  // Modules hear of every document closing before they go.
+  session.closeAllDocuments();
+  loaded.unloadAll();
   return session.hadFileError() ? 1 : 0;
 }

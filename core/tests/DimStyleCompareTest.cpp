@@ -277,11 +277,12 @@ TEST_F(SameDrawing, R2018SavedAsR12ListsAlike) {
   if (!std::filesystem::exists(path)) GTEST_SKIP() << "no corpus";
   OdDbDatabasePtr db = OdDbDatabase::readDxfFile(path);
   {
-    // A style with values of its own, then overrides on top. (The style's own
-    // arrow blocks are left out: an R12 file names them, and saving down to R12
-    // does not convert them yet.)
+    // A style with values of its own, arrow blocks among them (R12 names them
+    // where later versions point at them), then overrides on top.
     auto style = openStyle(db->dimstyle(), OdDb::kForWrite);
     style->setDimsah(true);
+    style->setDimblk1(OdDmUtil::getArrowId(L"_Oblique", db.get()));
+    style->setDimblk2(OdDmUtil::getArrowId(L"_BoxBlank", db.get()));
     OdCmColor blue;
     blue.setColorIndex(5);
     style->setDimclre(blue);
@@ -294,8 +295,9 @@ TEST_F(SameDrawing, R2018SavedAsR12ListsAlike) {
   OdDbDatabasePtr r12 = OdDbDatabase::readDxf(db->toDxf(asR12));
   ASSERT_EQ(r12->version(), DxfVersion::R12);
   const R12View original = r12View(*db), saved = r12View(*r12);
-  // The style's four changes are overrides as well: the current settings kept their values.
-  EXPECT_EQ(saved.overrides.size(), 8u * 4) << ::testing::PrintToString(saved.overrides);
+  // The style's changes are overrides as well (the current settings kept their
+  // values); DIMBLK1 was overridden already.
+  EXPECT_EQ(saved.overrides.size(), 9u * 4) << ::testing::PrintToString(saved.overrides);
   expectSameView(original, saved);
   hostSetActiveDatabase(nullptr);
 }

@@ -2,6 +2,8 @@
 #include <unordered_set>
 
 #include "DxfWriter.h"
+#include "drawings/DimVarDefaults.h"
+#include "drawings/OdDbDimStyleTableRecord.h"
 
 namespace {
 // Entities an R12 file can hold; everything else is left out there. Paper space
@@ -77,9 +79,29 @@ void DxfWriter::convertTags(const OdDbObject* o, DxfTagList& tags) {
   tags.swap(out);
 }
 
+// R12 dimension styles name their arrow blocks (5, 6, 7) where later versions
+// point at them (342, 343, 344), and hold none of the variables added since.
+static void dimStyleToR12(const OdDbObject& style, DxfTagList& tags) {
+  DxfTagList out;
+  for (DxfTag& t : tags) {
+    const DimVarDefault* row = nullptr;
+    for (const auto& r : kDimVarDefaults)
+      if (r.styleCode == t.code && t.code != 70 && t.code != 2) row = &r;
+    if (row && row->nameCode && t.code == row->styleCode) {
+      auto rec = odOpen<OdDbSymbolTableRecord>(style.database()->getOdDbObjectId(OdDbHandle(t.toHandle())));
+      out.emplace_back(row->nameCode, rec ? style.encodeText(rec->getName()) : std::string());
+      continue;
+    }
+    if (row && row->styleSince > DxfVersion::R12) continue;
+    out.push_back(std::move(t));
+  }
+  tags.swap(out);
+}
+
 void DxfWriter::writeConverted(const OdDbObject* o) {
   if (!keepForTarget(o)) return;
   DxfTagList tags = o->tags();
+  if (m_downToR12 && o->isKindOf(OdDbDimStyleTableRecord::desc())) dimStyleToR12(*o, tags);
   convertTags(o, tags);
   for (const DxfTag& t : tags) dxfWriteTag(m_out, t, m_style);
 }

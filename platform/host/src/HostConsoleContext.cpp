@@ -182,6 +182,7 @@ HostResult HostConsoleContext::selectObjects(const OdString& prompt, OdDbObjectI
   const std::vector<std::string> keywords = {"Window", "Last", "Crossing", "ALL", "Previous"};
   std::unordered_set<OdDbObjectId> chosen;
   auto add = [&](const OdDbObjectIdArray& found) {
+    const size_t before = ids.size();
     size_t duplicates = 0;
     for (const auto& id : found) {
       if (chosen.insert(id).second) ids.push_back(id);
@@ -189,7 +190,7 @@ HostResult HostConsoleContext::selectObjects(const OdString& prompt, OdDbObjectI
     }
     std::string text = std::to_string(found.size()) + " found";
     if (duplicates) text += " (" + std::to_string(duplicates) + " duplicate)";
-    if (ids.size() != found.size()) text += ", " + std::to_string(ids.size()) + " total";
+    if (before) text += ", " + std::to_string(ids.size()) + " total";
     m_cl.println(text);
   };
   const std::string shown = promptText(prompt, HostKeywordList());

@@ -46,9 +46,9 @@ bool HostModules::load(const std::string& path) {
     return false;
   };
   std::error_code ec;
-  if (!std::filesystem::is_regular_file(path, ec)) return fail("no such file");
-  // Checked first, as the loader's own words for it depend on the system.
-  if (!isElf(path)) return fail("not a shared library");
+  if (!std::filesystem::exists(path, ec)) return fail("no such file");
+  // Checked before loading, as the loader's own words for it depend on the system.
+  if (!std::filesystem::is_regular_file(path, ec) || !isElf(path)) return fail("not a shared library");
   void* handle = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
   if (!handle) {
     const char* err = dlerror();
@@ -95,6 +95,7 @@ void HostModules::unloadAll() {
       try {
         uninit();
       } catch (...) {
+        if (m_report) m_report("Module " + m.path + ": VEXUnInit failed.");
       }
     }
     // Nothing of the module may outlive its code.

@@ -1,6 +1,8 @@
 #include "host/HostSession.h"
 
+#include "host/HostCommands.h"
 #include "host/HostServices.h"
+#include "host/HostSysVars.h"
 
 #include <algorithm>
 #include <cctype>
@@ -9,9 +11,9 @@
 // Versions a drawing can be saved as; new drawings can also be R13 or R14.
 static const std::vector<std::string> kVersionKeywords = {"R12", "R2000", "R2004", "R2007", "R2010", "R2013", "R2018"};
 
-std::string HostDocument::title() const { return path.empty() ? std::string("Drawing") : path; }
-
-HostSession::HostSession(HostCommandLine& cl) : m_cl(cl) {
+HostSession::HostSession(HostCommandLine& cl) : m_cl(cl), m_context(cl, m_docManager) {
+  hostSetDocManager(&m_docManager);
+  gpVxContext = &m_context;
   // Questions are asked on the command line: the lines of the text, then a Yes/No
   // prompt on its last line, No by default so that Enter changes nothing.
   hostSetYesNoHandler([this](const std::wstring& question) {
@@ -34,9 +36,12 @@ HostSession::HostSession(HostCommandLine& cl) : m_cl(cl) {
 }
 
 void HostSession::cmdHelp() {
-  std::string list;
+  std::vector<std::string> words = hostCommandWords();
   for (const auto& [name, entry] : m_commands)
-    if (name != "?") list += (list.empty() ? "" : " ") + name;
+    if (name != "?") words.push_back(name);
+  std::sort(words.begin(), words.end());
+  std::string list;
+  for (const auto& w : words) list += (list.empty() ? "" : " ") + w;
   m_cl.println("Commands: " + list);
 }
 
@@ -47,25 +52,30 @@ void HostSession::addCommand(const std::string& name, Command handler, bool undo
 }
 
 void HostSession::activeChanged() {
-  HostDocument* doc = activeDocument();
-  hostSetActiveDatabase(doc ? doc->database.get() : nullptr);
+  HostApDocument* doc = activeDocument();
+  hostSetActiveDatabase(doc ? doc->database() : nullptr);
 }
 
-HostSession::~HostSession() { hostSetActiveDatabase(nullptr); hostSetYesNoHandler(nullptr); }
+HostSession::~HostSession() {
+  closeAllDocuments();
+  if (gpVxContext == &m_context) gpVxContext = nullptr;
+  if (hostDocManager() == &m_docManager) hostSetDocManager(nullptr);
+  hostSetYesNoHandler(nullptr);
+}
 
-HostDocument* HostSession::activeDocument() { return m_docs.empty() ? nullptr : m_docs[m_active].get(); }
+void HostSession::closeAllDocuments() {
+  m_docManager.closeAll();
+  activeChanged();
+}
 
 bool HostSession::open(const std::string& path) {
   try {
-    auto doc = std::make_unique<HostDocument>();
-    doc->database = OdDbDatabase::readDxfFile(path);
-    doc->path = path;
-    for (const auto& w : doc->database->loadWarnings()) m_cl.println("Warning: " + w);
-    m_docs.push_back(std::move(doc));
-    m_active = m_docs.size() - 1;
+    OdDbDatabasePtr db = OdDbDatabase::readDxfFile(path);
+    for (const auto& w : db->loadWarnings()) m_cl.println("Warning: " + w);
+    m_docManager.addDocument(std::make_unique<HostApDocument>(db, path));
     activeChanged();
-    m_cl.println("Opened " + path + " (" + std::string(dxfver::keyword(m_docs.back()->database->version())) +
-                 (m_docs.back()->database->format() == DxfFormat::Binary ? ", binary" : "") + ").");
+    m_cl.println("Opened " + path + " (" + std::string(dxfver::keyword(db->version())) +
+                 (db->format() == DxfFormat::Binary ? ", binary" : "") + ").");
     return true;
   } catch (const OdError& e) {
     m_cl.println(std::string("Cannot open drawing: ") + e.what());
@@ -78,21 +88,43 @@ bool HostSession::runCommand(const std::string& name) {
   std::string n = name;
   for (auto& c : n) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
   if (!n.empty() && n[0] == '_') n.erase(0, 1);
+  struct Active {  // CMDACTIVE, however the command ends
+    Active() { hostCommandStarted(); }
+    ~Active() { hostCommandEnded(); }
+  };
   auto it = m_commands.find(n);
-  if (it == m_commands.end()) return false;
-  HostDocument* doc = activeDocument();
-  if (!it->second.undoable || !doc) {
-    it->second.handler();
+  if (it != m_commands.end()) {
+    Active active;
+    if (it->second.undoable) runUndoable(n, it->second.handler);
+    else it->second.handler();
     return true;
+  }
+  const HostCommand* command = hostFindCommand(n);
+  if (!command) return false;
+  if (command->isRegistered()) {
+    m_cl.println("The " + command->word + " command opens a dialog, which needs the window host.");
+    return true;
+  }
+  // A copy, so that the handler lives through the command whatever the table does meanwhile.
+  const Command handler = command->handler;
+  Active active;
+  runUndoable(n, handler);
+  return true;
+}
+
+void HostSession::runUndoable(const std::string& name, const Command& handler) {
+  HostApDocument* doc = activeDocument();
+  if (!doc) {
+    handler();
+    return;
   }
   // The group closes however the command ends, so a failed command is one step too.
   struct Group {
     OdDbDatabasePtr db;
     ~Group() { db->endUndoGroup(); }
-  } group{doc->database};
-  group.db->beginUndoGroup(OdString::fromUtf8(n));
-  it->second.handler();
-  return true;
+  } group{doc->database()};
+  group.db->beginUndoGroup(OdString::fromUtf8(name));
+  handler();
 }
 
 void HostSession::run() {
@@ -131,20 +163,17 @@ void HostSession::cmdNew() {
       version = *v;
       continue;
     }
-    auto doc = std::make_unique<HostDocument>();
-    doc->database = OdDbDatabase::createNew(version, k == "Metric");
-    m_docs.push_back(std::move(doc));
-    m_active = m_docs.size() - 1;
+    m_docManager.addDocument(std::make_unique<HostApDocument>(OdDbDatabase::createNew(version, k == "Metric")));
     activeChanged();
     m_cl.println("New " + k + " drawing (" + std::string(dxfver::keyword(version)) + ").");
     return;
   }
 }
 
-bool HostSession::save(HostDocument& doc, const std::string& path, const DxfSaveOptions& options) {
+bool HostSession::save(HostApDocument& doc, const std::string& path, const DxfSaveOptions& options) {
   try {
     std::vector<std::string> leftOut;
-    doc.database->writeDxfFile(path, options, &leftOut);
+    doc.database()->writeDxfFile(path, options, &leftOut);
     if (!leftOut.empty()) {
       m_cl.println("R12 cannot hold these; they were left out:");
       for (const auto& s : leftOut) m_cl.println("  " + s);
@@ -159,7 +188,7 @@ bool HostSession::save(HostDocument& doc, const std::string& path, const DxfSave
 }
 
 void HostSession::cmdSave() {
-  HostDocument* doc = activeDocument();
+  HostApDocument* doc = activeDocument();
   if (!doc) {
     m_cl.println("No drawing is open.");
     return;
@@ -172,14 +201,14 @@ void HostSession::cmdSave() {
 }
 
 void HostSession::cmdSaveAs() {
-  HostDocument* doc = activeDocument();
+  HostApDocument* doc = activeDocument();
   if (!doc) {
     m_cl.println("No drawing is open.");
     return;
   }
   DxfSaveOptions options = doc->saveAs;
-  if (!options.version) options.version = doc->database->version();
-  if (!options.format) options.format = doc->database->format();
+  if (!options.version) options.version = doc->database()->version();
+  if (!options.format) options.format = doc->database()->format();
   std::vector<std::string> keywords = kVersionKeywords;
   keywords.push_back("Ascii");
   keywords.push_back("Binary");
@@ -204,24 +233,25 @@ void HostSession::cmdSaveAs() {
 }
 
 void HostSession::cmdClose() {
-  if (m_docs.empty()) {
+  HostApDocument* closing = activeDocument();
+  if (!closing) {
     m_cl.println("No drawing is open.");
     return;
   }
-  m_cl.println("Closed " + m_docs[m_active]->title() + ".");
-  m_docs.erase(m_docs.begin() + static_cast<long>(m_active));
-  m_active = m_docs.empty() ? 0 : m_docs.size() - 1;
+  const std::string title = closing->title();
+  m_docManager.closeDocument(closing);
   activeChanged();
-  if (HostDocument* doc = activeDocument()) m_cl.println("Active drawing: " + doc->title() + ".");
+  m_cl.println("Closed " + title + ".");
+  if (HostApDocument* doc = activeDocument()) m_cl.println("Active drawing: " + doc->title() + ".");
 }
 
 void HostSession::cmdUndo() {
-  HostDocument* doc = activeDocument();
+  HostApDocument* doc = activeDocument();
   if (!doc) {
     m_cl.println("No drawing is open.");
     return;
   }
-  OdDbDatabase& db = *doc->database;
+  OdDbDatabase& db = *doc->database();
   if (!db.hasUndo()) {
     m_cl.println("Nothing to undo.");
     return;
@@ -246,12 +276,12 @@ void HostSession::cmdUndo() {
 }
 
 void HostSession::cmdRedo() {
-  HostDocument* doc = activeDocument();
+  HostApDocument* doc = activeDocument();
   if (!doc) {
     m_cl.println("No drawing is open.");
     return;
   }
-  OdDbDatabase& db = *doc->database;
+  OdDbDatabase& db = *doc->database();
   if (!db.hasRedo()) {
     m_cl.println("Nothing to redo.");
     return;

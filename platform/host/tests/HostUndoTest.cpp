@@ -13,7 +13,7 @@ TEST(HostSession, EachCommandIsOneUndoStep) {
   std::ostringstream out;
   HostCommandLine cl(in, out, true);
   HostSession session(cl);
-  auto db = [&] { return session.activeDocument()->database; };
+  auto db = [&] { return session.activeDocument()->database(); };
   session.addCommand("PAINT", [&] { db()->setHeaderInt("$USERI1", 70, 1); });
   session.addCommand("LOOK", [&] { db()->headerInt("$USERI1", 0); });
   // A command that fails half-way still leaves one step that undoes what it did.
