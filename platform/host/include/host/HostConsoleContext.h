@@ -11,6 +11,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "host/HostApDocManager.h"
 #include "host/HostCommandLine.h"
@@ -26,7 +27,6 @@ public:
   HostResult getKeyword(const OdString& prompt, const OdString& keywords, OdString& result) override;
   HostResult getString(const OdString& prompt, bool allowSpaces, OdString& result,
                        const OdString& keywords = OdString()) override;
-  // kHostFail, saying so, when no drawing is open.
   HostResult getEntity(const OdString& prompt, OdDbObjectId& id) override;
   HostResult selectObjects(const OdString& prompt, OdDbObjectIdArray& ids) override;
   bool askYesNo(const OdString& question) override;

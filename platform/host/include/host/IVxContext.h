@@ -57,9 +57,11 @@ public:
   virtual HostResult getString(const OdString& prompt, bool allowSpaces, OdString& result,
                                const OdString& keywords = OdString()) = 0;
   // One entity of the active drawing, by its handle or by a point near it.
+  // kHostFail when no drawing is open.
   virtual HostResult getEntity(const OdString& prompt, OdDbObjectId& id) = 0;
   // Entities of the active drawing, gathered over repeated prompts until Enter;
-  // kHostNone when nothing was selected. `ids` is in selection order.
+  // kHostNone when nothing was selected, kHostFail when no drawing is open.
+  // `ids` is in selection order.
   virtual HostResult selectObjects(const OdString& prompt, OdDbObjectIdArray& ids) = 0;
   // True for Yes.
   virtual bool askYesNo(const OdString& question) = 0;
