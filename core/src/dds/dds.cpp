@@ -4,9 +4,12 @@
 #define VEX_SRCFILE "dds"
 #include <dlfcn.h>
 
+#include "DimStyleCommand.h"
 #include "host/HostApDocManager.h"
 #include "host/HostFuncPtr.h"
 #include "host/HostTranslation.h"
+#include "host/IVxContext.h"
+#include "res/DdsStrings.h"
 #include "vextempl.h"
 #include "vextypes.h"
 
@@ -59,10 +62,22 @@ void* moduleHandle() {
 
 }  // namespace
 
+// The host's flag word for "-dimstyle", passed through as it stands.
+constexpr uint32_t kDimStyleCommandFlags = 0x2100000;
+
 extern "C" int32_t VEXInit() {
-  Supp_InitResTranslation(moduleHandle());
+  void* hModule = moduleHandle();
+  // Module literals reach Supp_Translate through the string table's English
+  // column, so that the table is the one place of every text.
+  hostRegisterStringTable(hModule, [](const wchar_t*, const wchar_t* text, const std::string& language,
+                                      std::wstring& out) { return dds::ddsTranslate(text, language, out); });
+  Supp_InitResTranslation(hModule);
   // The dialog command ("DIM", "DimStylesCmd") is not registered: the manager
   // dialog that it opens does not exist yet.
+  if (gpVxContext) {
+    VxCommandDesc desc{L"-dimstyle", [] { dds::DimStyleCommand(docManager()); }, kDimStyleCommandFlags};
+    gpVxContext->addCommand(desc);
+  }
   HostApDocManager* pDocManager = docManager();
   RETERRIF(!pDocManager, E_FAIL);
   return pDocManager->addReactor(&g_docManagerReactor);

@@ -155,6 +155,41 @@ constexpr Entry kStrings[] = {
     {IDS_DISCARD_OVERRIDES, L"Setting another style current will discard your style overrides.",
      L"При назначении текущим другого стиля переопределения стиля будут потеряны."},
     {IDS_CONTINUE, L"Continue?", L"Продолжить?"},
+
+    {IDS_DS_CURRENT_STYLE, L"Current dimension style: \"%s\". Annotative: %s.",
+     L"Текущий размерный стиль: \"%s\". Аннотативный: %s."},
+    {IDS_DS_CURRENT_OVERRIDES, L"Current dimension overrides:", L"Текущие переопределения размеров:"},
+    {IDS_DS_OPTION_PROMPT, L"Enter a dimension style option [%s]<Restore>:",
+     L"Задайте параметр размерного стиля [%s]<Восстановить>:"},
+    // The Russian short forms: "С" saves and "СТ" shows the status, as "S" and
+    // "ST" do; "П" lists the variables and "ПР" applies.
+    {IDS_DS_OPTION_KEYWORDS,
+     L"ANnotative Save Restore STatus Variables Apply ? *ANnotative *Save *Restore *STatus *Variables *Apply *?",
+     L"АННотативный Сохранить Восстановить СТатус Переменные ПРименить ? "
+     L"*ANnotative *Save *Restore *STatus *Variables *Apply *?"},
+    {IDS_DS_ANNOTATIVE_PROMPT, L"Create annotative dimension style [%s]<Yes>:",
+     L"Создать аннотативный размерный стиль [%s]<Да>:"},
+    {IDS_DS_YES_NO_KEYWORDS, L"Yes No *Yes *No", L"Да Нет *Yes *No"},
+    {IDS_DS_SAVE_PROMPT, L"Enter name for new dimension style or [%s]:",
+     L"Введите имя нового размерного стиля или [%s]:"},
+    {IDS_DS_REDEFINE_PROMPT, L"That name is already in use, redefine it? [%s]<No>:",
+     L"Это имя уже используется. Переопределить стиль? [%s]<Нет>:"},
+    {IDS_DS_CHOOSE_PROMPT, L"Enter a dimension style name, [%s] or <select dimension>:",
+     L"Введите имя размерного стиля, [%s] или <выберите размер>:"},
+    {IDS_DS_SELECT_DIMENSION, L"Select dimension", L"Выберите размер"},
+    {IDS_DS_NOT_A_DIMENSION, L"Selected object is not a dimension.", L"Выбранный объект не является размером."},
+    {IDS_DS_UNKNOWN_STYLE, L"Unknown dimension style.", L"Неизвестный размерный стиль."},
+    {IDS_DS_LIST_PROMPT, L"Enter dimension style(s) to list <*>", L"Введите размерные стили для вывода списка <*>"},
+    {IDS_DS_NAMED_STYLES, L"Named dimension styles:", L"Именованные размерные стили:"},
+    {IDS_DS_ANNOTATIVE_MARK, L"Annotative", L"Аннотативный"},
+    {IDS_DS_DIFFERENCES, L"Differences between \"%s\" and current settings:",
+     L"Различия между \"%s\" и текущими настройками:"},
+    {IDS_DS_CURRENT_SETTING, L"Current Setting", L"Текущее значение"},
+    {IDS_DS_NO_DIFFERENCES, L"No Differences.", L"Различий нет."},
+    {IDS_DS_SELECT_OBJECTS, L"Select objects", L"Выберите объекты"},
+    {IDS_DS_DIMASO_DESCRIPTION, L"Create dimension objects", L"Создавать размерные объекты"},
+    {IDS_DS_DIMSTYLE_DESCRIPTION, L"Current dimension style", L"Текущий размерный стиль"},
+    {IDS_DS_INVALID_NAME, L"Invalid dimension style name.", L"Недопустимое имя размерного стиля."},
 };
 
 const Entry* find(int id) {
@@ -177,6 +212,15 @@ CXStringW ddsString(int id, std::string_view language) {
 CXStringW ddsString(int id) { return ddsString(id, hostLanguage()); }
 
 bool ddsHasString(int id) { return find(id) != nullptr; }
+
+bool ddsTranslate(std::wstring_view english, std::string_view language, std::wstring& out) {
+  for (const Entry& e : kStrings) {
+    if (english != e.en) continue;
+    out = language == "ru" ? e.ru : e.en;
+    return true;
+  }
+  return false;
+}
 
 VexArray<int> ddsStringIds() {
   VexArray<int> ids;

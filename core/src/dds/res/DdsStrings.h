@@ -79,6 +79,32 @@ enum StringId : int {
   // The two paragraphs of the question before another style is made current.
   IDS_DISCARD_OVERRIDES = 1330,
   IDS_CONTINUE = 1331,
+
+  // The command-line command "-dimstyle": its prompts, keyword lists and
+  // printed texts. A keyword list holds the local keywords, then the same
+  // options' global forms, starred and in the same order.
+  IDS_DS_CURRENT_STYLE = 1400,  // "Current dimension style: "%s". Annotative: %s."
+  IDS_DS_CURRENT_OVERRIDES,
+  IDS_DS_OPTION_PROMPT,
+  IDS_DS_OPTION_KEYWORDS,       // seven options, in the order of DimStyleOption
+  IDS_DS_ANNOTATIVE_PROMPT,
+  IDS_DS_YES_NO_KEYWORDS,       // Yes first, then No
+  IDS_DS_SAVE_PROMPT,
+  IDS_DS_REDEFINE_PROMPT,
+  IDS_DS_CHOOSE_PROMPT,
+  IDS_DS_SELECT_DIMENSION,
+  IDS_DS_NOT_A_DIMENSION,
+  IDS_DS_UNKNOWN_STYLE,
+  IDS_DS_LIST_PROMPT,
+  IDS_DS_NAMED_STYLES,
+  IDS_DS_ANNOTATIVE_MARK,
+  IDS_DS_DIFFERENCES,           // "Differences between "%s" and current settings:"
+  IDS_DS_CURRENT_SETTING,
+  IDS_DS_NO_DIFFERENCES,
+  IDS_DS_SELECT_OBJECTS,
+  IDS_DS_DIMASO_DESCRIPTION,
+  IDS_DS_DIMSTYLE_DESCRIPTION,
+  IDS_DS_INVALID_NAME,          // a new style's name that the drawing cannot hold
 };
 
 // The text of `id` in the host's language (hostLanguage()). An id the table
@@ -93,5 +119,10 @@ bool ddsHasString(int id);
 
 // Every id of the table, ascending.
 VexArray<int> ddsStringIds();
+
+// The host's translation of module literals (Supp_Translate): the text of
+// `language` for the entry whose English text is `english`; false when no entry
+// has that English text.
+bool ddsTranslate(std::wstring_view english, std::string_view language, std::wstring& out);
 
 }  // namespace dds
