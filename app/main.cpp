@@ -15,13 +15,15 @@
 #include "host/HostModules.h"
 #include "host/HostServices.h"
 #include "host/HostSession.h"
+#include "host/HostSvg.h"
 #include "host/HostTrace.h"
 
 extern "C" void* get_host_funcptr(int which) { return hostFuncPtr(which); }
 
 static int usage() {
   std::cerr << "usage: vexhost --console [--script FILE] [--lang en|ru] [--trace FILE] [--module FILE ...] "
-               "[DRAWING ...]\n";
+               "[DRAWING ...]\n"
+               "       vexhost --render PICTURE.svg DRAWING\n";
   return 2;
 }
 
@@ -31,8 +33,26 @@ static std::string modulesFolder() {
   return ec ? std::string() : (exe.parent_path() / "modules").string();
 }
 
+// Writes the picture of a drawing's model space; the exit status says whether it could.
+static int render(const std::string& picture, const std::string& drawing) {
+  try {
+    OdDbDatabasePtr db = OdDbDatabase::readDxfFile(drawing);
+    OdGiVectorizeStats stats;
+    std::string error;
+    if (!hostWriteDrawingSvg(*db, picture, &error, &stats)) {
+      std::cerr << error << "\n";
+      return 1;
+    }
+    std::cout << "Wrote " << picture << ": " << hostRenderSummary(stats) << ".\n";
+    return 0;
+  } catch (const OdError& e) {
+    std::cerr << "Cannot render " << drawing << ": " << e.what() << "\n";
+    return 1;
+  }
+}
+
 int main(int argc, char** argv) {
-  std::string script, lang = "en", trace;
+  std::string script, lang = "en", trace, picture;
   std::vector<std::string> drawings, modules;
   for (int i = 1; i < argc; ++i) {
     std::string a = argv[i];
@@ -45,11 +65,13 @@ int main(int argc, char** argv) {
     if (a == "--script") { if (!value(script)) return usage(); continue; }
     if (a == "--lang") { if (!value(lang) || (lang != "en" && lang != "ru")) return usage(); continue; }
     if (a == "--trace") { if (!value(trace)) return usage(); continue; }
+    if (a == "--render") { if (!value(picture)) return usage(); continue; }
     if (a == "--module") { std::string m; if (!value(m)) return usage(); modules.push_back(m); continue; }
     if (a == "-h" || a == "--help") { usage(); return 0; }
     if (a.size() > 1 && a[0] == '-') return usage();
     drawings.push_back(a);
   }
+  if (!picture.empty()) return drawings.size() == 1 ? render(picture, drawings.front()) : usage();
   hostSetLanguage(lang);
   if (!trace.empty() && !hostTraceSetFile(trace.c_str())) std::cerr << "cannot write the trace file " << trace << "\n";
 

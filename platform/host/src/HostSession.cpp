@@ -2,6 +2,8 @@
 
 #include "host/HostCommands.h"
 #include "host/HostServices.h"
+#include "host/HostSvg.h"
+#include "host/HostSysVarCommand.h"
 #include "host/HostSysVars.h"
 
 #include <algorithm>
@@ -33,6 +35,8 @@ HostSession::HostSession(HostCommandLine& cl) : m_cl(cl), m_context(cl, m_docMan
   addCommand("REDO", [this] { cmdRedo(); }, false);
   addCommand("HELP", [this] { cmdHelp(); }, false);
   addCommand("?", [this] { cmdHelp(); }, false);
+  addCommand("RENDER", [this] { hostRenderCommand(m_cl, activeDocument()); }, false);
+  addCommand("SETVAR", [this] { hostSetVarCommand(m_cl); });
 }
 
 void HostSession::cmdHelp() {
@@ -100,7 +104,13 @@ bool HostSession::runCommand(const std::string& name) {
     return true;
   }
   const HostCommand* command = hostFindCommand(n);
-  if (!command) return false;
+  if (!command) {
+    // A variable's name asks for its value, as SETVAR does; a command of the same name wins.
+    if (!hostIsCommandLineVar(n)) return false;
+    Active active;
+    runUndoable(n, [this, &n] { hostVarPrompt(m_cl, n); });
+    return true;
+  }
   if (command->isRegistered()) {
     m_cl.println("The " + command->word + " command opens a dialog, which needs the window host.");
     return true;

@@ -1,0 +1,86 @@
+// Inside the dimension geometry engine: the entities of a dimension block as
+// plain values, computed by one function per dimension kind and written into
+// the drawing by one writer, and the text measurements both need.
+#pragma once
+
+#include <vector>
+
+#include "drawings/OdDbDimension.h"
+#include "drawings/OdDbGeometry.h"
+
+namespace dimgeom {
+
+// 2D vector arithmetic on the x and y of points (dimension blocks are flat).
+struct Vec {
+  double x = 0, y = 0;
+  Vec() = default;
+  Vec(double x_, double y_) : x(x_), y(y_) {}
+  explicit Vec(const OdGePoint3d& p) : x(p.x), y(p.y) {}
+  Vec operator+(Vec o) const { return {x + o.x, y + o.y}; }
+  Vec operator-(Vec o) const { return {x - o.x, y - o.y}; }
+  Vec operator*(double k) const { return {x * k, y * k}; }
+  Vec operator-() const { return {-x, -y}; }
+  double dot(Vec o) const { return x * o.x + y * o.y; }
+  double length() const;
+  Vec unit() const;    // (1, 0) for a zero vector
+  Vec left() const { return {-y, x}; }
+  double angle() const;  // radians, atan2
+  OdGePoint3d point() const { return OdGePoint3d{x, y, 0.0}; }
+  static Vec polar(double radians);
+};
+
+// What each kind of block entity takes from the dimension variables.
+struct Props {
+  OdCmColor color;
+  OdDb::LineWeight lineWeight = OdDb::kLnWtByBlock;
+  OdDbObjectId linetype;  // null: none written (the block entity follows its layer)
+};
+
+enum class ItemKind { Line, Solid, Arrow, Text, Point };
+
+// One entity of the block.
+struct Item {
+  ItemKind kind = ItemKind::Line;
+  Vec p[4];              // Line: start, end. Solid: corners. Arrow, Text, Point: p[0]
+  OdDbObjectId block;    // Arrow: the arrow block
+  double scale = 1.0;    // Arrow
+  double angle = 0.0;    // Arrow: rotation. Text: direction (radians)
+  OdString contents;     // Text, MTEXT codes included
+  double height = 0.0;   // Text
+  OdDbObjectId textStyle;
+  Props props;
+};
+
+struct BlockContents {
+  std::vector<Item> items;
+  Vec textPosition;      // the text's middle (code 11)
+  Vec dimLinePoint;      // where the definition point on the dimension line belongs (code 10)
+  double measurement = 0.0;  // code 42: the measured length after DIMLFAC
+};
+
+// ---- text measurement ----
+
+// Extents of dimension text, in drawing units, before any rotation.
+struct TextExtents {
+  double width = 0.0;
+  double height = 0.0;  // of the lines together (a stack counts with its parts)
+};
+
+// The widths of a font's characters, relative to the text height, and the text
+// style's width factor.
+struct FontInfo {
+  const struct FontTable* table = nullptr;
+  double widthFactor = 1.0;
+  double fixedHeight = 0.0;  // the style's fixed height, 0 when the text takes DIMTXT
+};
+
+FontInfo fontOf(const OdDbDatabase& db, const OdDbObjectId& textStyle);
+// MTEXT contents laid out as a dimension shows them (one line per \P or \X).
+TextExtents measureText(const OdString& contents, double height, const FontInfo& font);
+
+// ---- the kinds ----
+
+// Rotated and aligned dimensions.
+BlockContents computeLinear(const OdDbAlignedDimension& dim);
+
+}  // namespace dimgeom

@@ -1,0 +1,403 @@
+// Rotated and aligned dimensions: extension lines from the two measured points to
+// the dimension line, the dimension line between them with an arrowhead at each
+// end, and the measurement on or above it, inside the extension lines when text
+// and arrowheads fit there and moved outside when they do not.
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+#include <cstdio>
+#include <cstdlib>
+
+#include "DimGeometryImpl.h"
+#include "drawings/DimText.h"
+#include "drawings/OdDbDatabase.h"
+#include "drawings/OdDmUtil.h"
+
+namespace dimgeom {
+namespace {
+
+constexpr double kPi = std::numbers::pi;
+
+// An arrowhead as a dimension variable names it.
+struct Arrow {
+  OdDbObjectId block;   // null: the closed filled arrow, drawn as a SOLID
+  bool atTip = false;   // drawn around the point it marks (ticks, dots): the line runs to it
+};
+
+Arrow arrowOf(const OdDbObjectId& block) {
+  Arrow a{block, false};
+  if (block.isNull()) return a;
+  const OdString name = OdDmUtil::arrowName(block);
+  for (const wchar_t* n : {L"_ArchTick", L"_Oblique", L"_None", L"_Small", L"_Integral", L"_DotSmall"})
+    if (name.iCompare(n) == 0) a.atTip = true;
+  return a;
+}
+
+// The dimension variables that the geometry uses, read once.
+struct Vars {
+  double scale, asz, exo, exe, gap, txt, dle, tvp, fxl, lfac;
+  int tad, just, atfit, tmove;
+  bool tih, toh, tix, soxd, tofl, se1, se2, sd1, sd2, fxlon;
+  Arrow arrow1, arrow2;
+  OdCmColor clrd, clre, clrt;
+  OdDb::LineWeight lwd, lwe;
+  OdDbObjectId ltype, ltex1, ltex2, txsty;
+
+  explicit Vars(const OdDbDimension& d) {
+    scale = d.dimscale();
+    if (scale <= 0.0) scale = 1.0;  // 0 scales to a paper-space viewport, which a block cannot know
+    asz = d.dimasz() * scale;
+    exo = d.dimexo() * scale;
+    exe = d.dimexe() * scale;
+    gap = d.dimgap() * scale;
+    txt = d.dimtxt() * scale;
+    dle = d.dimdle() * scale;
+    tvp = d.dimtvp();
+    fxl = d.dimfxl() * scale;
+    lfac = d.dimlfac();
+    tad = d.dimtad();
+    just = d.dimjust();
+    atfit = d.dimatfit();
+    tmove = d.dimtmove();
+    tih = d.dimtih();
+    toh = d.dimtoh();
+    tix = d.dimtix();
+    soxd = d.dimsoxd();
+    tofl = d.dimtofl();
+    se1 = d.dimse1();
+    se2 = d.dimse2();
+    sd1 = d.dimsd1();
+    sd2 = d.dimsd2();
+    fxlon = d.dimfxlon();
+    if (d.dimsah()) {
+      arrow1 = arrowOf(d.dimblk1());
+      arrow2 = arrowOf(d.dimblk2());
+    } else {
+      arrow1 = arrow2 = arrowOf(d.dimblk());
+    }
+    clrd = d.dimclrd();
+    clre = d.dimclre();
+    clrt = d.dimclrt();
+    lwd = d.dimlwd();
+    lwe = d.dimlwe();
+    ltype = d.dimltype();
+    ltex1 = d.dimltex1();
+    ltex2 = d.dimltex2();
+    txsty = d.dimtxsty();
+  }
+};
+
+// The direction that text along `a` reads in: left to right, or upwards.
+double readable(double a) {
+  a = std::remainder(a, 2 * kPi);  // (-pi, pi]
+  if (a > kPi / 2 + 1e-9) a -= kPi;
+  else if (a <= -kPi / 2 + 1e-9) a += kPi;
+  return a;
+}
+
+// Half the length of the line through the middle of a w x h box turned by
+// `boxAngle` that lies inside the box, for a line in direction `lineAngle`.
+double halfChord(double w, double h, double boxAngle, double lineAngle) {
+  const double c = std::fabs(std::cos(lineAngle - boxAngle)), s = std::fabs(std::sin(lineAngle - boxAngle));
+  double half = 1e300;
+  if (c > 1e-12) half = std::min(half, w / 2 / c);
+  if (s > 1e-12) half = std::min(half, h / 2 / s);
+  return half;
+}
+
+// Half the extent of that box across direction `dirAngle` (its shadow on it).
+double halfShadow(double w, double h, double boxAngle, double dirAngle) {
+  const double c = std::fabs(std::cos(dirAngle - boxAngle)), s = std::fabs(std::sin(dirAngle - boxAngle));
+  return (w * c + h * s) / 2;
+}
+
+class Builder {
+public:
+  Builder(const OdDbAlignedDimension& dim, const Vars& v) : m_dim(dim), m_v(v) {}
+
+  void line(Vec a, Vec b, const Props& props) {
+    Item it;
+    it.kind = ItemKind::Line;
+    it.p[0] = a;
+    it.p[1] = b;
+    it.props = props;
+    m_out.items.push_back(it);
+  }
+
+  // An arrowhead with its tip at `tip`, pointing along `dir`; `side` is the left
+  // of the dimension's direction, which fixes the order of a SOLID's corners.
+  void arrow(const Arrow& a, Vec tip, Vec dir, Vec side) {
+    Item it;
+    it.props = lineProps(m_v.clrd, m_v.lwd, OdDbObjectId());
+    if (a.block.isNull()) {
+      const Vec base = tip - dir * m_v.asz;
+      const double half = m_v.asz / 6;
+      it.kind = ItemKind::Solid;
+      it.p[0] = base + side * half;
+      it.p[1] = base - side * half;
+      it.p[2] = tip;
+      it.p[3] = tip;
+      it.props.linetype = OdDbObjectId();
+    } else {
+      it.kind = ItemKind::Arrow;
+      it.p[0] = tip;
+      it.block = a.block;
+      it.scale = m_v.asz;
+      it.angle = dir.angle();
+    }
+    m_out.items.push_back(it);
+  }
+
+  void text(Vec at, double angle, const OdString& contents, double height) {
+    Item it;
+    it.kind = ItemKind::Text;
+    it.p[0] = at;
+    it.angle = angle;
+    it.contents = contents;
+    it.height = height;
+    it.textStyle = m_v.txsty;
+    it.props.color = m_v.clrt;
+    m_out.items.push_back(it);
+  }
+
+  void point(Vec at) {
+    Item it;
+    it.kind = ItemKind::Point;
+    it.p[0] = at;
+    it.props.color.setColorIndex(0);
+    m_out.items.push_back(it);
+  }
+
+  static Props lineProps(const OdCmColor& c, OdDb::LineWeight lw, const OdDbObjectId& lt) {
+    Props p;
+    p.color = c;
+    p.lineWeight = lw;
+    p.linetype = lt;
+    return p;
+  }
+
+  BlockContents& out() { return m_out; }
+
+private:
+  const OdDbAlignedDimension& m_dim;
+  const Vars& m_v;
+  BlockContents m_out;
+};
+
+}  // namespace
+
+BlockContents computeLinear(const OdDbAlignedDimension& dim) {
+  const Vars v(dim);
+  Builder b(dim, v);
+  BlockContents& out = b.out();
+
+  const Vec p1(dim.xLine1Point()), p2(dim.xLine2Point()), dp(dim.dimLinePoint());
+  const OdDbRotatedDimension* rotated =
+      dim.isKindOf(OdDbRotatedDimension::desc()) ? static_cast<const OdDbRotatedDimension*>(&dim) : nullptr;
+  // u: the direction measured along; n: its left, towards which SOLID corners start.
+  const Vec u = rotated ? Vec::polar(rotated->rotation()) : (p2 - p1).unit();
+  const Vec n = u.left();
+
+  // Extension lines run from each point to the dimension line: across it, or at
+  // the oblique angle.
+  Vec w = n;
+  if (const double obl = dim.oblique(); obl != 0.0) {
+    const Vec o = Vec::polar(obl);
+    if (std::fabs(o.dot(n)) > 1e-9) w = o;
+  }
+  auto onLine = [&](Vec p) { return p + w * ((dp - p).dot(n) / w.dot(n)); };
+  const Vec d1 = onLine(p1), d2 = onLine(p2);
+  out.dimLinePoint = d2;
+
+  const double measured = std::fabs((p2 - p1).dot(u));
+  double lfac = std::fabs(v.lfac);
+  if (v.lfac < 0) {
+    auto owner = odOpen<OdDbBlockTableRecord>(dim.ownerId());
+    const bool paper = owner && owner->isLayout() && owner->getName().left(12).iCompare(L"*Paper_Space") == 0;
+    if (!paper) lfac = 1.0;
+  }
+  out.measurement = measured * lfac;
+
+  const double span = (d2 - d1).length();
+  const Vec t = span > 1e-12 ? (d2 - d1).unit() : u;  // from the first extension line to the second
+
+  // ---- the text ----
+  const OdString contents = odDimensionText(dim, measured);
+  const bool hasText = !contents.isEmpty();
+  const OdDbDatabase* db = dim.database();
+  const FontInfo font = db ? fontOf(*db, v.txsty) : FontInfo{};
+  const double height = font.fixedHeight > 0 ? font.fixedHeight : v.txt;
+  const TextExtents ext = hasText ? measureText(contents, height, font) : TextExtents{};
+  const double gap = std::fabs(v.gap);
+  const double lineAngle = readable(u.angle());
+
+  const bool userText = !dim.isUsingDefaultTextPosition();
+  const double rotationOverride = dim.textRotation();
+  const Vec userAt(dim.textPosition());
+  // Text the user placed on the dimension line between the extension lines counts
+  // as inside; placed elsewhere it takes no room there.
+  const bool userBetween = userText && hasText && v.tad == 0 &&
+                           std::fabs((userAt - d1).dot(n)) < std::max(ext.height, v.txt) / 2 &&
+                           (userAt - d1).dot(t) > 0 && (userAt - d1).dot(t) < span;
+
+  // What fits between the extension lines: the text along the line (with its gap
+  // either side where it sits on the line) and both arrowheads.
+  const double insideAngle = rotationOverride != 0 ? rotationOverride : (v.tih ? 0.0 : lineAngle);
+  const double textAlongInside = hasText ? 2 * halfShadow(ext.width, ext.height, insideAngle, u.angle()) : 0.0;
+  const double textNeed = hasText ? textAlongInside + (v.tad == 0 ? 2 * gap : 0.0) : 0.0;
+  const double arrowsNeed = 2 * v.asz;
+  bool textInside = true, arrowsInside = true;
+  if (userText && !userBetween) {
+    textInside = false;
+    arrowsInside = span >= (v.arrow1.atTip ? 0.0 : v.asz) + (v.arrow2.atTip ? 0.0 : v.asz);
+  } else if (!hasText) {
+    arrowsInside = span >= arrowsNeed;
+  } else if (span < textNeed + arrowsNeed) {
+    const bool textFits = span >= textNeed, arrowsFit = span >= arrowsNeed;
+    switch (v.atfit) {
+      case 0: textInside = arrowsInside = false; break;
+      case 1:  // arrowheads go first
+        arrowsInside = false;
+        textInside = textFits;
+        break;
+      case 2:  // the text goes first
+        textInside = false;
+        arrowsInside = arrowsFit;
+        break;
+      default:  // whichever fits best
+        if (textFits) arrowsInside = false;
+        else if (arrowsFit) textInside = false;
+        else textInside = arrowsInside = false;
+    }
+    if (v.tix) textInside = true;
+  }
+  if (userText) textInside = userBetween;
+  if (std::getenv("DIMGEOM_TRACE"))
+    std::fprintf(stderr, "TRACE span=%.6g w=%.6g hh=%.6g along=%.6g gap=%.6g asz=%.6g textNeed=%.6g -> text %s arrows %s\n",
+                 span, ext.width, ext.height, textAlongInside, gap, v.asz, textNeed, textInside ? "in" : "out",
+                 arrowsInside ? "in" : "out");
+
+  const double textAngle =
+      rotationOverride != 0 ? rotationOverride : ((textInside ? v.tih : v.toh) ? 0.0 : lineAngle);
+  // Text along the line (as opposed to horizontal text beside a sloping line).
+  const bool textAlong = std::fabs(std::sin(textAngle - u.angle())) < 1e-9;
+  // "Up" for text above the line: the left of the direction the text reads in along it.
+  const Vec up = Vec::polar(lineAngle).left();
+  const double acrossHalf = halfShadow(ext.width, ext.height, textAngle, up.angle());
+  const double alongHalf = halfShadow(ext.width, ext.height, textAngle, t.angle());
+  auto lift = [&](Vec base) {
+    if (v.tad == 0) return base + up * (v.tvp * v.txt);
+    if (v.tad == 4) return base - up * (gap + acrossHalf);
+    return base + up * (gap + acrossHalf);
+  };
+
+  // Beyond the extension lines, text keeps two arrowhead lengths from the line it
+  // stands by; the dimension line leads to it.
+  const double outsideOffset = 2 * v.asz;
+  Vec textAt;
+  if (userText) textAt = userAt;
+  else if (textInside) textAt = lift((d1 + d2) * 0.5);
+  else if (textAlong) textAt = lift(d2 + t * (outsideOffset + gap + alongHalf));
+  else {
+    // Horizontal text by a sloping line: after a short horizontal hook.
+    const Vec side = Vec::polar(textAngle) * ((Vec::polar(textAngle).dot(t) >= 0) ? 1.0 : -1.0);
+    textAt = d2 + t * outsideOffset + side * (v.asz + gap + ext.width / 2);
+  }
+  out.textPosition = textAt;
+
+  // ---- extension lines ----
+  auto extension = [&](Vec p, Vec d, bool suppressed, const OdDbObjectId& lt) {
+    if (suppressed) return;
+    const Vec along = d - p;
+    if (along.length() < 1e-12) return;  // the point is on the dimension line: nothing to draw
+    const Vec e = along.unit();
+    Vec start = p + e * v.exo;
+    if (v.fxlon) {
+      const Vec fixedStart = d - e * v.fxl;
+      if ((fixedStart - p).dot(e) > v.exo) start = fixedStart;
+    }
+    b.line(start, d + e * v.exe, Builder::lineProps(v.clre, v.lwe, lt));
+  };
+  extension(p1, d1, v.se1, v.ltex1);
+  extension(p2, d2, v.se2, v.ltex2);
+
+  // ---- dimension line ----
+  // Positions along the line are measured from d1 towards d2.
+  const Props dimProps = Builder::lineProps(v.clrd, v.lwd, v.ltype);
+  const double textCentre = (textAt - d1).dot(t);
+  const bool textOnLine = hasText && v.tad == 0 && std::fabs((textAt - d1).dot(n)) < std::max(ext.height, v.txt) / 2;
+  const double textHalfGap = hasText ? halfChord(ext.width + 2 * gap, ext.height + 2 * gap, textAngle, t.angle()) : 0;
+  auto at = [&](double s) { return d1 + t * s; };
+
+  // A piece of the line from a to z, cut where the text sits on it; each end keeps
+  // its part up to the text. Text wider than the piece leaves it whole.
+  auto piece = [&](double a, double z) {
+    const double lo = std::min(a, z), hi = std::max(a, z);
+    if (textOnLine) {
+      const double tlo = textCentre - textHalfGap, thi = textCentre + textHalfGap;
+      if (thi > lo && tlo < hi && (tlo > lo || thi < hi)) {
+        if (tlo > lo) b.line(at(lo), at(tlo), dimProps);
+        if (thi < hi) b.line(at(hi), at(thi), dimProps);
+        return;
+      }
+    }
+    if (hi - lo > 1e-12) b.line(at(a), at(z), dimProps);
+  };
+
+  const double trim1 = v.arrow1.atTip ? 0.0 : v.asz, trim2 = v.arrow2.atTip ? 0.0 : v.asz;
+  const double dle1 = v.arrow1.atTip ? v.dle : 0.0, dle2 = v.arrow2.atTip ? v.dle : 0.0;
+  // Text beyond an extension line: which end it is past (-1 before d1, +1 past d2).
+  const int textBeyond = !hasText || textInside ? 0 : (textCentre < span / 2 ? -1 : 1);
+  // How far past that end the line leads to the text, and whether a hook turns to it.
+  double leadTo = 0.0;
+  bool hook = false;
+  if (textBeyond != 0 && (!userText || v.tmove == 0)) {
+    const double beyond = textBeyond < 0 ? -textCentre : textCentre - span;
+    if (textAlong) leadTo = v.tad == 0 ? beyond - alongHalf - gap : beyond + alongHalf + gap;
+    else {
+      leadTo = beyond;
+      hook = true;
+    }
+  }
+  auto outsidePiece = [&](int end, bool suppressed) {
+    if (suppressed) return;
+    const double dir = end < 0 ? -1.0 : 1.0, base = end < 0 ? 0.0 : span;
+    const double trim = end < 0 ? trim1 : trim2;
+    double len = trim + v.asz;
+    if (end == textBeyond) len = std::max(len, leadTo);
+    b.line(at(base + dir * trim), at(base + dir * len), dimProps);
+    if (end == textBeyond && hook) {
+      const Vec from = at(base + dir * len);
+      const Vec td = Vec::polar(textAngle);
+      const Vec toward = td * ((textAt - from).dot(td) >= 0 ? 1.0 : -1.0);
+      b.line(from, from + toward * v.asz, dimProps);
+    }
+  };
+
+  if (arrowsInside) {
+    piece(-dle1 + trim1, span + dle2 - trim2);
+    if (textBeyond != 0 && leadTo > 0) outsidePiece(textBeyond, false);
+  } else {
+    // Arrowheads outside point inwards, each with a short line behind it; the end
+    // the text is past goes first only if the text is not there.
+    const int first = textBeyond < 0 ? 1 : -1;
+    outsidePiece(first, first < 0 ? v.sd1 : v.sd2);
+    outsidePiece(-first, -first < 0 ? v.sd1 : v.sd2);
+    if (v.tofl) piece(0.0, span);
+  }
+
+  // ---- arrowheads ----
+  const Vec out1 = arrowsInside ? -t : t, out2 = arrowsInside ? t : -t;
+  const Vec side = Vec::polar(lineAngle).left();
+  if (!v.sd1) b.arrow(v.arrow1, d1, out1, side);
+  if (!v.sd2) b.arrow(v.arrow2, d2, out2, side);
+
+  // ---- text and definition points ----
+  if (hasText) b.text(textAt, textAngle, contents, height);
+  b.point(p1);
+  b.point(p2);
+  b.point(d2);
+  return out;
+}
+
+}  // namespace dimgeom
