@@ -268,7 +268,7 @@ void OdGiRecorder::replay(OdGiSink& sink) const {
         item);
 }
 
-double OdGiTextMetrics::lineWidth(const OdString& line, double height) const {
+double OdGiTextMeasure::lineWidth(const OdString& line, double height) const {
   return 0.6 * height * line.getLength();
 }
 
@@ -289,7 +289,9 @@ OdString odTextPlainText(const OdString& text) {
         continue;
       }
       if (i + 4 < s.size() && std::iswdigit(s[i + 2]) && std::iswdigit(s[i + 3]) && std::iswdigit(s[i + 4])) {
-        out += static_cast<wchar_t>((s[i + 2] - L'0') * 100 + (s[i + 3] - L'0') * 10 + (s[i + 4] - L'0'));
+        int code = (s[i + 2] - L'0') * 100 + (s[i + 3] - L'0') * 10 + (s[i + 4] - L'0');
+        // CAD shape fonts keep their degree, plus-minus and diameter signs at 127-129.
+        out += code == 127 ? L'\u00B0' : code == 128 ? L'\u00B1' : code == 129 ? L'\u2205' : static_cast<wchar_t>(code);
         i += 4;
         continue;
       }
@@ -305,7 +307,7 @@ namespace {
 
 // Where the entities being drawn sit.
 struct Frame {
-  Affine xf;  // their coordinates (after each entity's own plane) to the world
+  Affine xf;  // from the coordinates of the block being drawn to the world
   int depth = 0;
   // Inside a block reference: entities on layer 0 take refLayer, and ByBlock
   // takes the reference's colour and lineweight.
@@ -342,7 +344,7 @@ struct OdDbVectorizer::State {
   };
 
   OdGiSink& sink;
-  const OdGiTextMetrics& metrics;
+  const OdGiTextMeasure& measure;
   int maxDepth = 16;
   OdGiVectorizeStats stats;
   const OdDbDatabase* layersOf = nullptr;
@@ -353,7 +355,7 @@ struct OdDbVectorizer::State {
   Affine xf;
   OdGiTraits traits;
 
-  State(OdGiSink& s, const OdGiTextMetrics& m) : sink(s), metrics(m) {}
+  State(OdGiSink& s, const OdGiTextMeasure& m) : sink(s), measure(m) {}
 
   void useDatabase(const OdDbDatabase* db) {
     if (db == layersOf) return;
@@ -526,7 +528,7 @@ struct OdDbVectorizer::State {
   // goes through xf (a mirror turns the glyphs upside down along the new baseline).
   void text(const TextLine& t) {
     if (t.text.isEmpty() || !(t.height > 0)) return;
-    double width = t.fitLength > 0 ? t.fitLength : metrics.lineWidth(t.text, t.height) * t.widthFactor;
+    double width = t.fitLength > 0 ? t.fitLength : measure.lineWidth(t.text, t.height) * t.widthFactor;
     double x0 = t.align == OdGiText::kLeft ? 0 : t.align == OdGiText::kCenter ? -width / 2 : -width;
     double x1 = x0 + width;
     if (t.backward) std::tie(x0, x1) = std::pair(-x1, -x0);
@@ -556,9 +558,9 @@ struct OdDbVectorizer::State {
   }
 };
 
-OdDbVectorizer::OdDbVectorizer(OdGiSink& sink, const OdGiTextMetrics* metrics) {
-  static const OdGiTextMetrics kEstimate;
-  m_state = std::make_unique<State>(sink, metrics ? *metrics : kEstimate);
+OdDbVectorizer::OdDbVectorizer(OdGiSink& sink, const OdGiTextMeasure* measure) {
+  static const OdGiTextMeasure kEstimate;
+  m_state = std::make_unique<State>(sink, measure ? *measure : kEstimate);
 }
 
 OdDbVectorizer::~OdDbVectorizer() = default;
@@ -611,13 +613,19 @@ public:
       return;
     }
     m_s.traits = look.traits;
-    Tags t(e);
     bool handled = true;
-    if (name == "INSERT") insert(e, t, fr, look, list, index);
-    else if (auto dim = OdDbDimension::cast(&e)) handled = dimension(*dim, fr, look);
-    else {
-      m_s.xf = fr.xf;
-      handled = simple(e, name, t, fr, list, index);
+    try {
+      Tags t(e);
+      if (name == "INSERT") insert(e, t, fr, look, list, index);
+      else if (auto dim = OdDbDimension::cast(&e)) handled = dimension(*dim, fr, look);
+      else {
+        m_s.xf = fr.xf;
+        handled = simple(e, name, t, fr, list, index);
+      }
+    } catch (const OdError&) {
+      // One entity that cannot be read leaves the rest of the picture.
+      ++m_s.stats.skipped[std::string(name) + " (unreadable)"];
+      return;
     }
     if (!handled) ++m_s.stats.skipped[std::string(name)];
     else ++m_s.stats.drawn;
@@ -931,7 +939,7 @@ private:
         line.align = OdGiText::kCenter;
         line.fitLength = len;
         // Aligned text keeps its proportions: its height follows the length.
-        if (h == 3) line.height *= len / (m_s.metrics.lineWidth(line.text, line.height) * line.widthFactor);
+        if (h == 3) line.height *= len / (m_s.measure.lineWidth(line.text, line.height) * line.widthFactor);
         v = 0;
       }
     } else if (h == 1 || h == 4) {
@@ -981,7 +989,7 @@ private:
         size_t space = para.find(L' ', p);
         std::wstring_view word = para.substr(p, space == std::wstring_view::npos ? para.npos : space - p);
         std::wstring tryLine = current.empty() ? std::wstring(word) : current + L" " + std::wstring(word);
-        if (width > 0 && !current.empty() && m_s.metrics.lineWidth(OdString(tryLine), height) > width) {
+        if (width > 0 && !current.empty() && m_s.measure.lineWidth(OdString(tryLine), height) > width) {
           out.emplace_back(current);
           current = std::wstring(word);
         } else {

@@ -22,7 +22,7 @@ namespace {
 constexpr double kPi = std::numbers::pi;
 
 // One unit of width per character and unit of height: boxes are easy to predict.
-struct UnitMetrics : OdGiTextMetrics {
+struct UnitMeasure : OdGiTextMeasure {
   double lineWidth(const OdString& line, double height) const override { return line.getLength() * height; }
 };
 
@@ -32,9 +32,9 @@ struct Drawn {
 };
 
 Drawn draw(const OdDbDatabase& db, OdDbObjectId block = OdDbObjectId()) {
-  static const UnitMetrics metrics;
+  static const UnitMeasure measure;
   Drawn d;
-  OdDbVectorizer v(d.primitives, &metrics);
+  OdDbVectorizer v(d.primitives, &measure);
   v.drawBlock(db, block);
   d.stats = v.stats();
   return d;
@@ -180,7 +180,7 @@ TEST(Vectorizer, CurvesKeepTheirDirection) {
   EXPECT_NEAR(e.max.x, 10 + 2 * std::cos(0.5), 1e-12);
   EXPECT_NEAR(e.min.y, 2 * std::sin(4.0), 1e-12);
   OdGiExtents all = d.primitives.extents();
-  expectNear(all.min, -6.5, -20.5, "circle's corner and the quarter turn", kChordError);
+  expectNear(all.min, -6.5, -19 - std::sqrt(2), "circle's corner and the quarter turn", kChordError);
   expectNear(all.max, 12, 12.25, "arc and wide polyline", 3 * kChordError);
 }
 
@@ -454,6 +454,7 @@ TEST(Vectorizer, TextStringsAsShown) {
       {L"45%%d %%p0.1", L"45\u00B0 \u00B10.1"},
       {L"%%uunder%%u %%oover%%O %%kstruck", L"under over struck"},
       {L"100%%% %%065", L"100% A"},
+      {L"90%%127 %%1280.1 %%1292", L"90\u00B0 \u00B10.1 \u22052"},
       {L"50% off, %%x stays", L"50% off, %%x stays"},
       {L"ends in %%", L"ends in %%"},
   };
@@ -476,7 +477,7 @@ TEST(Vectorizer, EverySampleDrawingDraws) {
     std::string skipped;
     for (const auto& [type, count] : d.stats.skipped) {
       skipped += " " + type + " " + std::to_string(count);
-      EXPECT_FALSE(drawnTypes.count(type)) << name << ": " << type << " is one of the types drawn";
+      EXPECT_FALSE(drawnTypes.count(type) || type.ends_with("(unreadable)")) << name << ": " << type;
     }
     std::cout << name << ": " << d.stats.drawn << " drawn, " << d.stats.hidden << " hidden, "
               << d.primitives.items().size() << " primitives;" << skipped << "\n";

@@ -18,7 +18,7 @@ namespace {
 constexpr double kCapHeightPerEm = 0.7;
 
 // Text as the picture's sans-serif font sets it: advances in em, by kind of character.
-class SansSerifMetrics : public OdGiTextMetrics {
+class SansSerifMeasure : public OdGiTextMeasure {
 public:
   double lineWidth(const OdString& line, double height) const override {
     double em = 0;
@@ -190,8 +190,8 @@ std::string HostSvgWriter::svg(const HostSvgOptions& options) const {
 
 std::string hostDrawingSvg(const OdDbDatabase& db, const HostSvgOptions& options, OdGiVectorizeStats* stats) {
   HostSvgWriter writer;
-  static const SansSerifMetrics kMetrics;
-  OdDbVectorizer vectorizer(writer, &kMetrics);
+  static const SansSerifMeasure kMeasure;
+  OdDbVectorizer vectorizer(writer, &kMeasure);
   vectorizer.drawBlock(db);
   if (stats) *stats = vectorizer.stats();
   return writer.svg(options);

@@ -27,12 +27,13 @@
 #include "drawings/OdDbDatabase.h"
 #include "drawings/OdGiPrimitives.h"
 
-// How wide a line of text is. The default estimate is 0.6 × height per character,
-// which suits the usual CAD fonts well enough for extents and alignment; a host
-// with real fonts may measure instead.
-class OdGiTextMetrics {
+// How wide a line of text is, for text boxes (extents) and the wrapping of MTEXT.
+// The default estimate is 0.6 × height per character, which suits the usual CAD
+// fonts well enough; a sink that sets text in a font of its own measures as that
+// font does.
+class OdGiTextMeasure {
 public:
-  virtual ~OdGiTextMetrics() = default;
+  virtual ~OdGiTextMeasure() = default;
   // The advance of `line` at capital height `height` and width factor 1.
   virtual double lineWidth(const OdString& line, double height) const;
 };
@@ -46,8 +47,8 @@ struct OdGiVectorizeStats {
 
 class OdDbVectorizer {
 public:
-  // `metrics` must outlive the vectorizer; null uses the default estimate.
-  explicit OdDbVectorizer(OdGiSink& sink, const OdGiTextMetrics* metrics = nullptr);
+  // `measure` must outlive the vectorizer; null uses the default estimate.
+  explicit OdDbVectorizer(OdGiSink& sink, const OdGiTextMeasure* measure = nullptr);
   ~OdDbVectorizer();
 
   // Nesting of block references drawn; deeper ones are counted in tooDeep.
@@ -67,6 +68,7 @@ private:
   std::unique_ptr<State> m_state;
 };
 
-// TEXT and ATTRIB strings as shown: %%c, %%d, %%p, %%% and %%nnn resolved,
-// the %%u, %%o and %%k switches dropped.
+// TEXT and ATTRIB strings as shown: %%c, %%d, %%p, %%% and %%nnn resolved
+// (127, 128 and 129 are the degree, plus-minus and diameter signs, as in CAD
+// shape fonts), the %%u, %%o and %%k switches dropped.
 OdString odTextPlainText(const OdString& text);
