@@ -6,7 +6,8 @@
 // is then recomputed in a second copy of the drawing read from the same bytes, and
 // the two are compared: the text exactly and as a reader sees it, the text
 // position, and every line, arrowhead and point within 1% of the text height
-// (DIMTXT x DIMSCALE).
+// (DIMTXT x DIMSCALE). "structure" counts blocks whose entities come in the same
+// order with the same layer, colour, linetype and lineweight.
 //
 // Usage: dim_fidelity [-v N] FILE...
 //        dim_fidelity [-v N] --corpus DIR reference|others
@@ -45,6 +46,7 @@ struct Prim {
   std::string name;            // INSERT: block (upper case)
   double scale = 0, angle = 0, height = 0;  // INSERT: x scale, rotation; MTEXT/TEXT: rotation, height
   OdString text;
+  std::string props;  // layer, colour, linetype, lineweight
 };
 
 double dist(const OdGePoint3d& a, const OdGePoint3d& b) { return std::hypot(a.x - b.x, a.y - b.y); }
@@ -66,6 +68,9 @@ std::vector<Prim> primitivesOf(const OdDbObjectId& blockId) {
     if (!o) continue;
     Prim pr;
     pr.kind = std::string(o->dxfName());
+    if (auto e = OdDbEntity::cast(o.get()))
+      pr.props = upper(e->layer().toUtf8()) + "/" + std::to_string(e->color().colorIndex()) + "/" +
+                 upper(e->linetype().toUtf8()) + "/" + std::to_string(static_cast<int>(e->lineWeight()));
     if (auto l = OdDbLine::cast(o.get())) {
       pr.p = {l->startPoint(), l->endPoint()};
     } else if (auto s = OdDbSolid::cast(o.get())) {
@@ -105,6 +110,16 @@ double apart(const Prim& a, const Prim& b) {
     const double swapped = std::max(dist(a.p[0], b.p[1]), dist(a.p[1], b.p[0]));
     return std::min(same, swapped);
   }
+  if (a.kind == "SOLID") {
+    // Corners 1, 0, 3, 2 fill the same shape as 0, 1, 2, 3 (the outline reversed).
+    double same = 0, reversed = 0;
+    const int other[4] = {1, 0, 3, 2};
+    for (size_t i = 0; i < 4; ++i) {
+      same = std::max(same, dist(a.p[i], b.p[i]));
+      reversed = std::max(reversed, dist(a.p[i], b.p[static_cast<size_t>(other[i])]));
+    }
+    return std::min(same, reversed);
+  }
   for (size_t i = 0; i < std::min(a.p.size(), b.p.size()); ++i) d = std::max(d, dist(a.p[i], b.p[i]));
   if (a.kind == "INSERT") {
     if (a.name != b.name) return 1e300;
@@ -115,8 +130,10 @@ double apart(const Prim& a, const Prim& b) {
 
 struct Outcome {
   bool textExact = false, textPlain = false, textPlace = false, geometry = false;
+  bool structure = false;  // the same entities in the same order with the same properties
   std::string reason;  // of the geometry's failure
   std::string textReason;  // of the text position's
+  std::string structureReason;
   std::string detail;
 };
 
@@ -170,6 +187,13 @@ Outcome compare(const std::vector<Prim>& theirs, const std::vector<Prim>& ours, 
     if (p.kind != "MTEXT" && p.kind != "TEXT") byKindT[p.kind].push_back(&p);
   for (const Prim& p : ours)
     if (p.kind != "MTEXT" && p.kind != "TEXT") byKindO[p.kind].push_back(&p);
+  out.structure = theirs.size() == ours.size();
+  for (size_t i = 0; out.structure && i < theirs.size(); ++i) {
+    out.structure = theirs[i].kind == ours[i].kind && theirs[i].props == ours[i].props;
+    if (!out.structure)
+      out.structureReason = theirs[i].kind + " " + theirs[i].props + " where ours has " + ours[i].kind + " " + ours[i].props;
+  }
+  if (theirs.size() != ours.size()) out.structureReason = "another number of entities";
   std::vector<std::string> missing, extra;
   for (auto& [kind, v] : byKindT) {
     const size_t n = byKindO.count(kind) ? byKindO[kind].size() : 0;
@@ -274,8 +298,8 @@ std::string savedLayout(const OdDbAlignedDimension& d, const std::vector<Prim>& 
 }
 
 struct Tally {
-  int compared = 0, textExact = 0, textPlain = 0, textPlace = 0, geometry = 0;
-  std::map<std::string, int> reasons, textReasons;
+  int compared = 0, textExact = 0, textPlain = 0, textPlace = 0, geometry = 0, structure = 0;
+  std::map<std::string, int> reasons, textReasons, structureReasons;
 };
 
 std::string slurp(const std::string& path) {
@@ -320,7 +344,9 @@ void printTextGap(OdDbDatabase& db, const OdDbDimension& dim, const std::vector<
   for (const Prim& p : prims)
     if (p.kind == "MTEXT") text = &p;
   if (!text || dim.dimgap() < 0) return;
-  const OdGePoint3d c = text->p[0];
+  // The text's middle is the dimension's text position (the MTEXT may be attached
+  // at another of its points).
+  const OdGePoint3d c = dim.textPosition();
   std::vector<double> stops;
   double lineAngle = 0;
   for (const Prim& p : prims) {
@@ -442,8 +468,10 @@ int main(int argc, char** argv) {
         t.textPlain += o.textPlain;
         t.textPlace += o.textPlace;
         t.geometry += o.geometry;
+        t.structure += o.structure;
         if (!o.geometry) ++t.reasons[o.reason];
         if (!o.textPlace) ++t.textReasons[o.textReason];
+        if (!o.structure) ++t.structureReasons[o.structureReason];
         if ((!o.geometry || !o.textPlace || !o.textPlain) && shown < verbose) {
           ++shown;
           std::cout << "--- " << file.substr(file.find_last_of('/') + 1) << " " << kind << " "
@@ -460,19 +488,23 @@ int main(int argc, char** argv) {
 
   if (textGaps) return 0;
   auto pct = [](int n, int of) { return of ? 100.0 * n / of : 0.0; };
-  std::printf("%-8s %9s %11s %11s %10s %10s\n", "kind", "compared", "text-exact", "text-plain", "text-pos", "geometry");
+  std::printf("%-8s %9s %11s %11s %10s %10s %10s\n", "kind", "compared", "text-exact", "text-plain", "text-pos", "geometry",
+              "structure");
   Tally all;
   for (auto& [kind, t] : byKind) {
-    std::printf("%-8s %9d %10.1f%% %10.1f%% %9.1f%% %9.1f%%\n", kind.c_str(), t.compared, pct(t.textExact, t.compared),
-                pct(t.textPlain, t.compared), pct(t.textPlace, t.compared), pct(t.geometry, t.compared));
+    std::printf("%-8s %9d %10.1f%% %10.1f%% %9.1f%% %9.1f%% %9.1f%%\n", kind.c_str(), t.compared,
+                pct(t.textExact, t.compared), pct(t.textPlain, t.compared), pct(t.textPlace, t.compared),
+                pct(t.geometry, t.compared), pct(t.structure, t.compared));
     all.compared += t.compared;
     all.textExact += t.textExact;
     all.textPlain += t.textPlain;
     all.textPlace += t.textPlace;
     all.geometry += t.geometry;
+    all.structure += t.structure;
   }
-  std::printf("%-8s %9d %10.1f%% %10.1f%% %9.1f%% %9.1f%%\n", "all", all.compared, pct(all.textExact, all.compared),
-              pct(all.textPlain, all.compared), pct(all.textPlace, all.compared), pct(all.geometry, all.compared));
+  std::printf("%-8s %9d %10.1f%% %10.1f%% %9.1f%% %9.1f%% %9.1f%%\n", "all", all.compared,
+              pct(all.textExact, all.compared), pct(all.textPlain, all.compared), pct(all.textPlace, all.compared),
+              pct(all.geometry, all.compared), pct(all.structure, all.compared));
   for (auto& [kind, t] : byKind) {
     std::vector<std::pair<int, std::string>> r;
     for (auto& [why, n] : t.reasons) r.emplace_back(n, why);
@@ -483,6 +515,11 @@ int main(int argc, char** argv) {
     for (auto& [why, n] : t.textReasons) r.emplace_back(n, why);
     std::sort(r.rbegin(), r.rend());
     if (!r.empty()) std::printf("%s, text position differences:\n", kind.c_str());
+    for (size_t i = 0; i < r.size() && i < 6; ++i) std::printf("  %5d  %s\n", r[i].first, r[i].second.c_str());
+    r.clear();
+    for (auto& [why, n] : t.structureReasons) r.emplace_back(n, why);
+    std::sort(r.rbegin(), r.rend());
+    if (!r.empty()) std::printf("%s, structure differences (first entity that differs):\n", kind.c_str());
     for (size_t i = 0; i < r.size() && i < 6; ++i) std::printf("  %5d  %s\n", r[i].first, r[i].second.c_str());
   }
   for (auto& [why, n] : skipped) std::printf("skipped %s: %d\n", why.c_str(), n);

@@ -96,6 +96,38 @@ constexpr Glyph kTxt[] = {
     {U'-', 6, 0, 4, 3, 3},  {U'.', 2, 0, 0, 0, 0},  {U'0', 5, 0, 3, 0, 6},  {U'1', 4, 0, 2, 0, 6},
 };
 
+// "Play" (a free sans), in thousandths of the text height: digits are all 894
+// wide; the bearings of the digits, period and parentheses come from the gaps
+// around texts of real drawings.
+constexpr Glyph kPlay[] = {
+    {U' ', 300, 0, 0, 0, 0},        {U'(', 450, 40, 420, -200, 1050}, {U')', 450, 30, 410, -200, 1050},
+    {U',', 330, 80, 230, -150, 130}, {U'-', 560, 60, 500, 400, 520},    {U'.', 330, 100, 230, 0, 130},
+    {U'0', 894, 70, 824, -10, 1010}, {U'1', 894, 187, 824, 0, 1000},   {U'2', 894, 70, 824, 0, 1010},
+    {U'3', 894, 70, 824, -10, 1010}, {U'4', 894, 50, 844, 0, 1000},    {U'5', 894, 47, 824, -10, 1000},
+    {U'6', 894, 70, 824, -10, 1010}, {U'7', 894, 70, 824, 0, 1000},    {U'8', 894, 44, 824, -10, 1010},
+    {U'9', 894, 70, 824, -10, 1010},
+};
+
+// The "simplex" shape font (the simplex Roman of the Hershey fonts): a capital is
+// 21 units high; advances and ink as that font draws them.
+constexpr Glyph kSimplex[] = {
+    {U' ', 16, 0, 0, 0, 0},    {U'"', 16, 4, 12, 14, 21}, {U'%', 24, 3, 21, 0, 21},  {U'\'', 10, 5, 5, 14, 21},
+    {U'(', 14, 4, 11, -7, 25}, {U')', 14, 3, 10, -7, 25}, {U'+', 26, 4, 22, 0, 18},  {U',', 10, 4, 6, -4, 2},
+    {U'-', 26, 4, 22, 9, 9},   {U'.', 10, 4, 6, 0, 2},    {U'/', 22, 2, 20, -4, 25}, {U'0', 20, 3, 17, 0, 21},
+    {U'1', 20, 4, 9, 0, 21},   {U'2', 20, 3, 17, 0, 21},  {U'3', 20, 3, 17, 0, 21},  {U'4', 20, 3, 18, 0, 21},
+    {U'5', 20, 3, 17, 0, 21},  {U'6', 20, 4, 17, 0, 21},  {U'7', 20, 3, 17, 0, 21},  {U'8', 20, 3, 17, 0, 21},
+    {U'9', 20, 3, 16, 0, 21},  {U'A', 18, 1, 17, 0, 21},  {U'B', 21, 4, 18, 0, 21},  {U'C', 21, 3, 18, 0, 21},
+    {U'D', 21, 4, 18, 0, 21},  {U'E', 19, 4, 17, 0, 21},  {U'F', 18, 4, 16, 0, 21},  {U'G', 21, 3, 18, 0, 21},
+    {U'H', 22, 4, 18, 0, 21},  {U'I', 8, 4, 4, 0, 21},    {U'L', 17, 4, 16, 0, 21},  {U'M', 24, 4, 20, 0, 21},
+    {U'N', 22, 4, 18, 0, 21},  {U'O', 22, 3, 19, 0, 21},  {U'P', 21, 4, 18, 0, 21},  {U'R', 21, 4, 18, 0, 21},
+    {U'S', 20, 3, 17, 0, 21},  {U'T', 16, 1, 15, 0, 21},  {U'X', 20, 3, 17, 0, 21},  {U'Y', 18, 1, 17, 0, 21},
+    {U'Z', 20, 3, 17, 0, 21},  {U'a', 19, 4, 15, 0, 14},  {U'c', 18, 3, 15, 0, 14},  {U'e', 18, 3, 15, 0, 14},
+    {U'i', 8, 3, 5, 0, 21},    {U'l', 8, 4, 4, 0, 21},    {U'n', 19, 4, 15, 0, 14},  {U'o', 19, 3, 16, 0, 14},
+    {U'p', 19, 4, 16, -7, 14}, {U'r', 13, 4, 12, 0, 14},  {U's', 17, 3, 14, 0, 14},  {U't', 12, 3, 10, 0, 21},
+    {U'x', 17, 3, 14, 0, 14},  {U'y', 16, 2, 14, -7, 14}, {U'\u00B0', 14, 3, 11, 13, 21}, {U'\u00B1', 26, 4, 22, 0, 18},
+    {U'\u2205', 22, 3, 19, -2, 23},
+};
+
 template <std::size_t N>
 constexpr FontTable table(const wchar_t* name, double unitsPerHeight, Glyph fallback, const Glyph (&g)[N]) {
   return FontTable{name, unitsPerHeight, fallback, g, N};
@@ -105,6 +137,9 @@ const FontTable kFonts[] = {
     // Fonts we know nothing of are measured as "txt", the default font of text styles.
     table(L"txt", 6, Glyph{0, 6, 0, 4, 0, 6}, kTxt),
     table(L"arial", 1466, Glyph{0, 1139, 85, 1049, 0, 1466}, kArial),
+    table(L"play-regular", 1000, Glyph{0, 760, 60, 700, 0, 1000}, kPlay),
+    table(L"simplex", 21, Glyph{0, 19, 3, 16, 0, 21}, kSimplex),
+    table(L"romans", 21, Glyph{0, 19, 3, 16, 0, 21}, kSimplex),
 };
 
 const FontTable& fontNamed(const std::wstring& name) {
@@ -142,9 +177,12 @@ struct Ink {
   }
 };
 
-// Stacked text (\S): fractions show their parts smaller, above and below the
-// middle of the line, together two heights high.
-constexpr double kStackScale = 0.7;
+// Stacked text (\S): a diagonal fraction ("a#b") shows its parts at half the
+// height, the denominator on the line and the numerator up to two heights, on
+// either side of a slash; the other stacks keep their parts at the height around
+// them, one above the other, two heights high together.
+constexpr double kDiagonalScale = 0.5;
+constexpr double kDiagonalSlash = 0.535;  // of the height, as real drawings measure it
 
 // Lays out MTEXT contents: the ink of each line, lines 5/3 of the height apart.
 class TextLayout {
@@ -198,20 +236,22 @@ private:
     std::wstring_view top = body.substr(0, at), bottom = at == std::wstring_view::npos ? L"" : body.substr(at + 1);
     const wchar_t kind = at == std::wstring_view::npos ? L'^' : body[at];
     if (!bottom.empty() && bottom.front() == L' ') bottom.remove_prefix(1);
-    State small = st;
-    if (kind != L'^') small.height *= kStackScale;
-    double wt = 0, wb = 0;
-    const Ink it = part(top, small, wt), ib = part(bottom, small, wb);
     const double h = st.height;
+    State part = st;
+    if (kind == L'#') part.height *= kDiagonalScale;
+    double wt = 0, wb = 0;
+    const Ink it = this->part(top, part, wt), ib = this->part(bottom, part, wb);
     if (kind == L'#') {
-      // Diagonal: the numerator up left, the denominator down right.
-      m_line.add(it, m_pen, h * 0.8);
-      m_line.add(ib, m_pen + wt, -h * 0.5);
-      m_pen += wt + wb;
+      const double slash = h * kDiagonalSlash * st.widthFactor;
+      m_line.add(it, m_pen, h * (2 - kDiagonalScale));
+      m_line.add(ib, m_pen + wt + slash, 0.0);
+      m_pen += wt + slash + wb;
     } else {
-      const double w = std::max(wt, wb);
-      m_line.add(it, m_pen + (w - wt) / 2, h * 0.8);
-      m_line.add(ib, m_pen + (w - wb) / 2, -h * 0.5);
+      // The wider part's ink and a margin of a fifteenth of the height.
+      const double inkT = it.empty() ? 0.0 : it.maxX - it.minX, inkB = ib.empty() ? 0.0 : ib.maxX - ib.minX;
+      const double w = std::max(inkT, inkB) + h / 15 * st.widthFactor;
+      if (!it.empty()) m_line.add(it, m_pen + (w - inkT) / 2 - it.minX, h * 0.5);
+      if (!ib.empty()) m_line.add(ib, m_pen + (w - inkB) / 2 - ib.minX, -h * 0.5);
       m_pen += w;
     }
   }
@@ -334,7 +374,17 @@ FontInfo fontOf(const OdDbDatabase& db, const OdDbObjectId& textStyle) {
     t.text = *text;
     return t.toDouble();
   };
-  info.table = &fontNamed(fontKey(style->decodeText(style->firstValue(3).value_or("")).str()));
+  std::wstring key = fontKey(style->decodeText(style->firstValue(3).value_or("")).str());
+  if (key.empty()) {
+    // A TrueType font given by its family name only, in the style's extended data.
+    if (OdResBufPtr rb = style->xData(L"ACAD"))
+      for (const OdResBuf* r = rb.get(); r; r = r->next().get())
+        if (r->restype() == 1000) {
+          key = fontKey(r->getString().str());
+          break;
+        }
+  }
+  info.table = &fontNamed(key);
   info.widthFactor = number(41, 1.0);
   if (info.widthFactor <= 0) info.widthFactor = 1.0;
   info.fixedHeight = number(40, 0.0);
@@ -411,7 +461,7 @@ double cleanDegrees(double radians) {
 class BlockWriter {
 public:
   BlockWriter(OdDbDatabase& db, OdDbBlockTableRecord& block, const OdDbDimension& dim)
-      : m_db(db), m_block(block), m_layer(dim.layer()), m_version(db.version()) {}
+      : m_db(db), m_block(block), m_layer(dim.layer()), m_linetype(dim.linetype()), m_version(db.version()) {}
 
   void write(const Item& it) {
     switch (it.kind) {
@@ -495,9 +545,14 @@ private:
   void append(OdDbEntity& e, const Props& props, bool hasLineWeight, const OdString* layer = nullptr) {
     e.setLayer(layer ? *layer : m_layer);
     e.setColor(props.color);
-    if (!props.linetype.isNull()) {
-      if (auto lt = odOpen<OdDbLinetypeTableRecord>(props.linetype)) e.setLinetype(lt->getName());
+    // A line type of the dimension variables where one is named; the others follow
+    // the dimension's own.
+    OdString linetype = m_linetype;
+    if (auto lt = odOpen<OdDbLinetypeTableRecord>(props.linetype)) {
+      const OdString name = lt->getName();
+      if (name.iCompare(L"ByLayer") != 0 && name.iCompare(L"ByBlock") != 0) linetype = name;
     }
+    if (linetype.iCompare(L"ByLayer") != 0) e.setLinetype(linetype);
     if (hasLineWeight && m_version >= DxfVersion::R2000 && props.lineWeight != OdDb::kLnWtByLayer)
       e.setLineWeight(props.lineWeight);
     if (m_version >= DxfVersion::R2004) {
@@ -511,6 +566,7 @@ private:
   OdDbDatabase& m_db;
   OdDbBlockTableRecord& m_block;
   OdString m_layer;
+  OdString m_linetype;  // the dimension's own
   OdString m_defpoints;
   DxfVersion m_version;
 };

@@ -5,8 +5,6 @@
 #include <algorithm>
 #include <cmath>
 #include <numbers>
-#include <cstdio>
-#include <cstdlib>
 
 #include "DimGeometryImpl.h"
 #include "drawings/DimText.h"
@@ -113,7 +111,7 @@ double halfShadow(double w, double h, double boxAngle, double dirAngle) {
 
 class Builder {
 public:
-  Builder(const OdDbAlignedDimension& dim, const Vars& v) : m_dim(dim), m_v(v) {}
+  explicit Builder(const Vars& v) : m_v(v) {}
 
   void line(Vec a, Vec b, const Props& props) {
     Item it;
@@ -124,8 +122,8 @@ public:
     m_out.items.push_back(it);
   }
 
-  // An arrowhead with its tip at `tip`, pointing along `dir`; `side` is the left
-  // of the dimension's direction, which fixes the order of a SOLID's corners.
+  // An arrowhead with its tip at `tip`, pointing along `dir`. A SOLID's corners
+  // start on `side`: the left of the direction the text reads in, for both ends.
   void arrow(const Arrow& a, Vec tip, Vec dir, Vec side) {
     Item it;
     it.props = lineProps(m_v.clrd, m_v.lwd, OdDbObjectId());
@@ -179,7 +177,6 @@ public:
   BlockContents& out() { return m_out; }
 
 private:
-  const OdDbAlignedDimension& m_dim;
   const Vars& m_v;
   BlockContents m_out;
 };
@@ -188,13 +185,13 @@ private:
 
 BlockContents computeLinear(const OdDbAlignedDimension& dim) {
   const Vars v(dim);
-  Builder b(dim, v);
+  Builder b(v);
   BlockContents& out = b.out();
 
   const Vec p1(dim.xLine1Point()), p2(dim.xLine2Point()), dp(dim.dimLinePoint());
   const OdDbRotatedDimension* rotated =
       dim.isKindOf(OdDbRotatedDimension::desc()) ? static_cast<const OdDbRotatedDimension*>(&dim) : nullptr;
-  // u: the direction measured along; n: its left, towards which SOLID corners start.
+  // u: the direction measured along; n: its left.
   const Vec u = rotated ? Vec::polar(rotated->rotation()) : (p2 - p1).unit();
   const Vec n = u.left();
 
@@ -247,9 +244,10 @@ BlockContents computeLinear(const OdDbAlignedDimension& dim) {
   const double textNeed = hasText ? textAlongInside + (v.tad == 0 ? 2 * gap : 0.0) : 0.0;
   const double arrowsNeed = 2 * v.asz;
   bool textInside = true, arrowsInside = true;
-  if (userText && !userBetween) {
-    textInside = false;
-    arrowsInside = span >= (v.arrow1.atTip ? 0.0 : v.asz) + (v.arrow2.atTip ? 0.0 : v.asz);
+  if (userText && !userBetween && v.atfit != 0) {
+    // Text placed away from the line takes no room there: only the arrowheads
+    // need to fit (a tick reaches half its size either way).
+    arrowsInside = span >= (v.arrow1.atTip ? v.asz / 2 : v.asz) + (v.arrow2.atTip ? v.asz / 2 : v.asz);
   } else if (!hasText) {
     arrowsInside = span >= arrowsNeed;
   } else if (span < textNeed + arrowsNeed) {
@@ -269,13 +267,15 @@ BlockContents computeLinear(const OdDbAlignedDimension& dim) {
         else if (arrowsFit) textInside = false;
         else textInside = arrowsInside = false;
     }
-    if (v.tix) textInside = true;
+    if (v.tix) {
+      // Text kept inside: the arrowheads give way.
+      textInside = true;
+      arrowsInside = false;
+    }
   }
   if (userText) textInside = userBetween;
-  if (std::getenv("DIMGEOM_TRACE"))
-    std::fprintf(stderr, "TRACE span=%.6g w=%.6g hh=%.6g along=%.6g gap=%.6g asz=%.6g textNeed=%.6g -> text %s arrows %s\n",
-                 span, ext.width, ext.height, textAlongInside, gap, v.asz, textNeed, textInside ? "in" : "out",
-                 arrowsInside ? "in" : "out");
+  // Arrowheads that would go outside are left out altogether (DIMSOXD).
+  const bool arrowsShown = arrowsInside || !v.soxd;
 
   const double textAngle =
       rotationOverride != 0 ? rotationOverride : ((textInside ? v.tih : v.toh) ? 0.0 : lineAngle);
@@ -285,10 +285,14 @@ BlockContents computeLinear(const OdDbAlignedDimension& dim) {
   const Vec up = Vec::polar(lineAngle).left();
   const double acrossHalf = halfShadow(ext.width, ext.height, textAngle, up.angle());
   const double alongHalf = halfShadow(ext.width, ext.height, textAngle, t.angle());
+  // A negative DIMGAP draws a frame that far around the text, and the text keeps
+  // the gap again outside its frame.
+  const bool framed = v.gap < 0;
+  const double clearance = framed ? 2 * gap : gap;
   auto lift = [&](Vec base) {
     if (v.tad == 0) return base + up * (v.tvp * v.txt);
-    if (v.tad == 4) return base - up * (gap + acrossHalf);
-    return base + up * (gap + acrossHalf);
+    if (v.tad == 4) return base - up * (clearance + acrossHalf);
+    return base + up * (clearance + acrossHalf);
   };
 
   // Beyond the extension lines, text keeps two arrowhead lengths from the line it
@@ -296,8 +300,16 @@ BlockContents computeLinear(const OdDbAlignedDimension& dim) {
   const double outsideOffset = 2 * v.asz;
   Vec textAt;
   if (userText) textAt = userAt;
-  else if (textInside) textAt = lift((d1 + d2) * 0.5);
-  else if (textAlong) textAt = lift(d2 + t * (outsideOffset + gap + alongHalf));
+  else if (textInside) {
+    // Centred on the visible line (between the arrowheads' backs), or by the first
+    // or second extension line as far from it as text outside would be.
+    const double back1 = !arrowsInside || v.arrow1.atTip || v.sd1 ? 0.0 : v.asz;
+    const double back2 = !arrowsInside || v.arrow2.atTip || v.sd2 ? 0.0 : v.asz;
+    double along = (back1 + span - back2) / 2;
+    if (v.just == 1) along = std::min(along, outsideOffset + gap + alongHalf);
+    else if (v.just == 2) along = std::max(along, span - outsideOffset - gap - alongHalf);
+    textAt = lift(d1 + t * along);
+  } else if (textAlong) textAt = lift(d2 + t * (outsideOffset + gap + alongHalf));
   else {
     // Horizontal text by a sloping line: after a short horizontal hook.
     const Vec side = Vec::polar(textAngle) * ((Vec::polar(textAngle).dot(t) >= 0) ? 1.0 : -1.0);
@@ -309,14 +321,16 @@ BlockContents computeLinear(const OdDbAlignedDimension& dim) {
   auto extension = [&](Vec p, Vec d, bool suppressed, const OdDbObjectId& lt) {
     if (suppressed) return;
     const Vec along = d - p;
-    if (along.length() < 1e-12) return;  // the point is on the dimension line: nothing to draw
-    const Vec e = along.unit();
+    // A point on the dimension line still gets its stub (unless it has no length),
+    // on the left of the line.
+    const Vec e = along.length() < 1e-12 ? w : along.unit();
     Vec start = p + e * v.exo;
     if (v.fxlon) {
       const Vec fixedStart = d - e * v.fxl;
       if ((fixedStart - p).dot(e) > v.exo) start = fixedStart;
     }
-    b.line(start, d + e * v.exe, Builder::lineProps(v.clre, v.lwe, lt));
+    const Vec end = d + e * v.exe;
+    if ((end - start).length() > 1e-9 * std::max(1.0, v.exe)) b.line(start, end, Builder::lineProps(v.clre, v.lwe, lt));
   };
   extension(p1, d1, v.se1, v.ltex1);
   extension(p2, d2, v.se2, v.ltex2);
@@ -359,12 +373,15 @@ BlockContents computeLinear(const OdDbAlignedDimension& dim) {
       hook = true;
     }
   }
+  // The line beyond an extension line: behind an arrowhead outside, or from the
+  // tip of one inside when it leads to the text.
   auto outsidePiece = [&](int end, bool suppressed) {
     if (suppressed) return;
     const double dir = end < 0 ? -1.0 : 1.0, base = end < 0 ? 0.0 : span;
-    const double trim = end < 0 ? trim1 : trim2;
-    double len = trim + v.asz;
+    const double trim = !arrowsInside ? (end < 0 ? trim1 : trim2) : 0.0;
+    double len = arrowsInside ? 0.0 : trim + v.asz;
     if (end == textBeyond) len = std::max(len, leadTo);
+    if (len <= trim) return;
     b.line(at(base + dir * trim), at(base + dir * len), dimProps);
     if (end == textBeyond && hook) {
       const Vec from = at(base + dir * len);
@@ -374,26 +391,42 @@ BlockContents computeLinear(const OdDbAlignedDimension& dim) {
     }
   };
 
+  // DIMSD1 and DIMSD2 take away the halves of the line (with their arrowheads).
+  const double from = v.sd1 ? span / 2 : 0.0, to = v.sd2 ? span / 2 : span;
   if (arrowsInside) {
-    piece(-dle1 + trim1, span + dle2 - trim2);
+    if (from < to) piece(v.sd1 ? from : -dle1 + trim1, v.sd2 ? to : span + dle2 - trim2);
     if (textBeyond != 0 && leadTo > 0) outsidePiece(textBeyond, false);
   } else {
     // Arrowheads outside point inwards, each with a short line behind it; the end
-    // the text is past goes first only if the text is not there.
-    const int first = textBeyond < 0 ? 1 : -1;
-    outsidePiece(first, first < 0 ? v.sd1 : v.sd2);
-    outsidePiece(-first, -first < 0 ? v.sd1 : v.sd2);
-    if (v.tofl) piece(0.0, span);
+    // the text is past comes second.
+    if (arrowsShown) {
+      const int first = textBeyond < 0 ? 1 : -1;
+      outsidePiece(first, first < 0 ? v.sd1 : v.sd2);
+      outsidePiece(-first, -first < 0 ? v.sd1 : v.sd2);
+    }
+    if ((v.tofl || !arrowsShown) && from < to) piece(from, to);
   }
+
+  // Text the user moved off the line (with a leader or without the line following
+  // it) comes before the arrowheads.
+  const bool textFirst = userText && v.tmove != 0;
+  if (hasText && textFirst) b.text(textAt, textAngle, contents, height);
 
   // ---- arrowheads ----
   const Vec out1 = arrowsInside ? -t : t, out2 = arrowsInside ? t : -t;
   const Vec side = Vec::polar(lineAngle).left();
-  if (!v.sd1) b.arrow(v.arrow1, d1, out1, side);
-  if (!v.sd2) b.arrow(v.arrow2, d2, out2, side);
+  if (arrowsShown && !v.sd1) b.arrow(v.arrow1, d1, out1, side);
+  if (arrowsShown && !v.sd2) b.arrow(v.arrow2, d2, out2, side);
 
   // ---- text and definition points ----
-  if (hasText) b.text(textAt, textAngle, contents, height);
+  if (hasText && !textFirst) b.text(textAt, textAngle, contents, height);
+  if (hasText && framed) {
+    const Vec along = Vec::polar(textAngle), across = along.left();
+    const double hw = ext.width / 2 + gap, hh = ext.height / 2 + gap;
+    const Vec corner[4] = {textAt - along * hw - across * hh, textAt + along * hw - across * hh,
+                           textAt + along * hw + across * hh, textAt - along * hw + across * hh};
+    for (int i = 0; i < 4; ++i) b.line(corner[i], corner[(i + 1) % 4], dimProps);
+  }
   b.point(p1);
   b.point(p2);
   b.point(d2);

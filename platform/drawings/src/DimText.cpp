@@ -475,17 +475,21 @@ OdString odMTextPlainText(const OdString& contents) {
         size_t end = i + 2;
         std::wstring top, bottom;
         bool inBottom = false;
+        bool fraction = false;
         for (; end < s.size() && s[end] != L';'; ++end) {
           wchar_t d = s[end];
           if (d == L'\\' && end + 1 < s.size()) d = s[++end];
           else if (!inBottom && (d == L'^' || d == L'/' || d == L'#')) {
             inBottom = true;
+            fraction = d != L'^';
             continue;
           }
           (inBottom ? bottom : top) += d;
         }
         size_t lead = bottom.find_first_not_of(L' ');
         bottom = lead == std::wstring::npos ? L"" : bottom.substr(lead);
+        // A fraction after a whole number reads "2 3/8", not "23/8".
+        if (fraction && !out.empty() && std::iswdigit(out.back())) out += L' ';
         out += inBottom ? top + L"/" + bottom : top;
         i = end < s.size() ? end + 1 : end;
         break;

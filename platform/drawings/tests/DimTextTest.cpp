@@ -187,7 +187,7 @@ TEST(DimText, PaperSpaceUsesNegativeScaleFactorAndOldVersionsHaveNoAlignmentPref
 
 TEST(DimText, PlainTextIsWhatAReaderSees) {
   const std::pair<const wchar_t*, const wchar_t*> cases[] = {
-      {L"\\A1;4'-0{\\H1x;\\S1#4;}\"", L"4'-01/4\""},
+      {L"\\A1;4'-0{\\H1x;\\S1#4;}\"", L"4'-0 1/4\""},
       {L"\\A1;{\\H7.0104;\\S6.5^ 9.5;}", L"6.5/9.5"},
       {L"\\A1;\\fPlay|b0|i0;{\\H5.4800;7.0 TYP}", L"7.0 TYP"},
       {L"12\\X[0.47]\\Pnext \\\\ \\{x\\}", L"12\n[0.47]\nnext \\ {x}"},
