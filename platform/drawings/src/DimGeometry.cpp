@@ -472,6 +472,15 @@ public:
         append(*e, it.props, true);
         break;
       }
+      case ItemKind::Arc: {
+        auto e = OdDbArc::createFor(m_db);
+        e->setCenter(it.p[0].point());
+        e->setRadius(it.radius);
+        e->setStartAngle(it.startAngle);
+        e->setEndAngle(it.endAngle);
+        append(*e, it.props, true);
+        break;
+      }
       case ItemKind::Solid: {
         auto e = OdDbSolid::createFor(m_db);
         for (int i = 0; i < 4; ++i) e->setPointAt(i, it.p[i].point());

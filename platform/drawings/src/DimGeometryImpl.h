@@ -36,12 +36,14 @@ struct Props {
   OdDbObjectId linetype;  // null: none written (the block entity follows its layer)
 };
 
-enum class ItemKind { Line, Solid, Arrow, Text, Point };
+enum class ItemKind { Line, Arc, Solid, Arrow, Text, Point };
 
 // One entity of the block.
 struct Item {
   ItemKind kind = ItemKind::Line;
-  Vec p[4];              // Line: start, end. Solid: corners. Arrow, Text, Point: p[0]
+  Vec p[4];              // Line: start, end. Solid: corners. Arc: centre. Arrow, Text, Point: p[0]
+  double radius = 0.0;   // Arc
+  double startAngle = 0.0, endAngle = 0.0;  // Arc: counter-clockwise, radians
   OdDbObjectId block;    // Arrow: the arrow block
   double scale = 1.0;    // Arrow
   double angle = 0.0;    // Arrow: rotation. Text: direction (radians)
