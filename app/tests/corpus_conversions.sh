@@ -11,7 +11,7 @@ check_one() {
   local f="$1" vexhost="$2" out="$3" here="$4"
   local b; b="$(basename "$f" .dxf)"
   local ver; ver="$(grep -m1 -a -A3 'ACADVER' "$f" | grep -a -o -m1 'AC10[0-9][0-9]')"
-  local fmt=Binary own=Ascii; head -c 18 "$f" | grep -q 'AutoCAD Binary' && fmt=Ascii own=Binary
+  local fmt=Binary own=Ascii; head -c 22 "$f" | grep -aq 'Binary DXF' && fmt=Ascii own=Binary
   local script="SAVEAS\n$out/$b.same.dxf\nSAVEAS\n$fmt\n$out/$b.fmt.dxf\n"
   local other=""
   case "$ver" in

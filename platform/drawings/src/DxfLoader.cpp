@@ -6,7 +6,6 @@
 
 #include "DxfClasses.h"
 
-static constexpr std::string_view kBinarySentinel("AutoCAD Binary DXF\r\n\x1a\0", 22);
 
 static uint64_t hexValue(std::string_view s) {
   while (!s.empty() && s.front() == ' ') s.remove_prefix(1);
@@ -130,9 +129,9 @@ void DxfLoader::load(std::shared_ptr<const std::string> bytes) {
   m_data = *bytes;
   size_t start = 0;
   bool shortCodes = false;
-  if (m_data.substr(0, kBinarySentinel.size()) == kBinarySentinel) {
+  if (m_data.substr(0, kDxfBinarySentinel.size()) == kDxfBinarySentinel) {
     m_db.m_format = DxfFormat::Binary;
-    start = kBinarySentinel.size();
+    start = kDxfBinarySentinel.size();
     // R12 binary files use one-byte group codes: "0" then "SECTION" directly.
     shortCodes = m_data.size() > start + 1 && m_data[start] == 0 && m_data[start + 1] == 'S';
   } else {

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <map>
 
-static constexpr std::string_view kBinarySentinel("AutoCAD Binary DXF\r\n\x1a\0", 22);
 
 DxfWriter::DxfWriter(const OdDbDatabase& db, const DxfSaveOptions& options, std::vector<std::string>* leftOut)
     : m_db(db),
@@ -30,7 +29,7 @@ std::string DxfWriter::write() {
   if (m_same) {
     m_out += m_db.m_prefix;
   } else if (m_format == DxfFormat::Binary) {
-    m_out += kBinarySentinel;
+    m_out += kDxfBinarySentinel;
   } else if (m_db.m_format == DxfFormat::Ascii) {
     m_out += m_db.m_prefix;  // comments stay
   }

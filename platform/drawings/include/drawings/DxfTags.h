@@ -9,6 +9,9 @@
 
 #include "drawings/DxfVersion.h"
 
+// The fixed 22 bytes that open every binary DXF file (a format constant).
+inline constexpr std::string_view kDxfBinarySentinel("AutoCAD Binary DXF\r\n\x1a\0", 22);
+
 enum class DxfType : uint8_t { String, Double, Int16, Int32, Int64, Bool, Binary, Handle };
 
 // The value type that the DXF code ranges give a group code.
