@@ -45,6 +45,7 @@ struct Prim {
   std::vector<OdGePoint3d> p;  // LINE 2, SOLID 4, INSERT/MTEXT/TEXT/POINT 1
   std::string name;            // INSERT: block (upper case)
   double scale = 0, angle = 0, height = 0;  // INSERT: x scale, rotation; MTEXT/TEXT: rotation, height
+  double radius = 0, startAngle = 0, endAngle = 0;  // ARC (p: the centre)
   OdString text;
   std::string props;  // layer, colour, linetype, lineweight
 };
@@ -94,6 +95,11 @@ std::vector<Prim> primitivesOf(const OdDbObjectId& blockId) {
       pr.text = t->textString();
     } else if (auto pt = OdDbPoint::cast(o.get())) {
       pr.p = {pt->position()};
+    } else if (auto arc = OdDbArc::cast(o.get())) {
+      pr.p = {arc->center()};
+      pr.radius = arc->radius();
+      pr.startAngle = arc->startAngle();
+      pr.endAngle = arc->endAngle();
     }
     out.push_back(pr);
   }
@@ -121,6 +127,12 @@ double apart(const Prim& a, const Prim& b) {
     return std::min(same, reversed);
   }
   for (size_t i = 0; i < std::min(a.p.size(), b.p.size()); ++i) d = std::max(d, dist(a.p[i], b.p[i]));
+  if (a.kind == "ARC") {
+    // The centre, the radius and where each end lies on the circle.
+    const double r = std::max(a.radius, b.radius);
+    d = std::max({d, std::fabs(a.radius - b.radius), angleDiff(a.startAngle, b.startAngle) * r,
+                  angleDiff(a.endAngle, b.endAngle) * r});
+  }
   if (a.kind == "INSERT") {
     if (a.name != b.name) return 1e300;
     d = std::max({d, angleDiff(a.angle, b.angle) * std::fabs(a.scale), std::fabs(a.scale - b.scale)});
@@ -247,6 +259,8 @@ std::string describe(const std::vector<Prim>& v) {
   for (const Prim& p : v) {
     s << "    " << p.kind;
     for (const auto& q : p.p) s << " (" << q.x << "," << q.y << ")";
+    if (p.kind == "ARC")
+      s << " r=" << p.radius << " " << p.startAngle * 180 / std::numbers::pi << ".." << p.endAngle * 180 / std::numbers::pi;
     if (p.kind == "INSERT") s << " " << p.name << " sc=" << p.scale << " rot=" << p.angle * 180 / std::numbers::pi;
     if (!p.text.isEmpty()) s << " h=" << p.height << " rot=" << p.angle * 180 / std::numbers::pi << " \"" << p.text.toUtf8() << "\"";
     s << "\n";
@@ -421,8 +435,17 @@ int main(int argc, char** argv) {
         auto dim = odOpen<OdDbDimension>(id);
         if (!dim) continue;
         const int type = dim->dimensionType();
-        if (!dim->isKindOf(OdDbAlignedDimension::desc()) || (type != 0 && type != 1)) continue;
-        const std::string kind = type == 0 ? "rotated" : "aligned";
+        std::string kind;
+        if (dim->isKindOf(OdDbArcDimension::desc())) kind = "arclen";
+        else if (dim->isKindOf(OdDbAlignedDimension::desc()) && (type == 0 || type == 1))
+          kind = type == 0 ? "rotated" : "aligned";
+        else if (dim->isKindOf(OdDb2LineAngularDimension::desc()) && type == 2) kind = "angular2";
+        else if (dim->isKindOf(OdDb3PointAngularDimension::desc()) && type == 5) kind = "angular3";
+        else if (dim->isKindOf(OdDbOrdinateDimension::desc()) && type == 6) kind = "ordinate";
+        else if (dim->isKindOf(OdDbRadialDimension::desc()) && type == 4) kind = "radius";
+        else if (dim->isKindOf(OdDbDiametricDimension::desc()) && type == 3) kind = "diameter";
+        else if (dim->isKindOf(VxHugeRadius::desc())) kind = "jogged";
+        else continue;
         auto block = odOpen<OdDbBlockTableRecord>(dim->dimBlockId());
         if (!block || block->entityIds().empty()) {
           ++skipped[kind + ": no saved block"];
@@ -439,11 +462,24 @@ int main(int argc, char** argv) {
         // the dimension's (the dimension was moved or edited by a program that left
         // the block alone) the block shows another dimension.
         auto aligned = OdDbAlignedDimension::cast(dim.get());
-        const OdGePoint3d defining[] = {aligned->xLine1Point(), aligned->xLine2Point(), aligned->dimLinePoint()};
+        std::vector<OdGePoint3d> defining;
+        if (aligned) defining = {aligned->xLine1Point(), aligned->xLine2Point(), aligned->dimLinePoint()};
+        else if (auto a2 = OdDb2LineAngularDimension::cast(dim.get()))
+          defining = {a2->xLine1Start(), a2->xLine1End(), a2->xLine2Start(), a2->xLine2End(), a2->arcPoint()};
+        else if (auto a3 = OdDb3PointAngularDimension::cast(dim.get()))
+          defining = {a3->xLine1Point(), a3->xLine2Point(), a3->centerPoint(), a3->arcPoint()};
+        else if (auto al = OdDbArcDimension::cast(dim.get()))
+          defining = {al->xLine1Point(), al->xLine2Point(), al->centerPoint(), al->arcPoint()};
+        else if (auto o = OdDbOrdinateDimension::cast(dim.get()))
+          defining = {o->definingPoint(), o->leaderEndPoint(), o->origin()};
+        else if (auto rd = OdDbRadialDimension::cast(dim.get())) defining = {rd->chordPoint(), rd->center()};
+        else if (auto dd = OdDbDiametricDimension::cast(dim.get())) defining = {dd->chordPoint(), dd->farChordPoint()};
+        else if (auto j = VxHugeRadius::cast(dim.get()))
+          defining = {j->chordPoint(), j->center(), j->overrideCenter(), j->jogPoint()};
         bool stale = false;
         for (const Prim& p : theirs)
           if (p.kind == "POINT")
-            stale |= std::none_of(std::begin(defining), std::end(defining),
+            stale |= std::none_of(defining.begin(), defining.end(),
                                   [&](const OdGePoint3d& q) { return dist(p.p[0], q) <= 0.01 * h; });
         if (stale) {
           ++skipped[kind + ": saved block computed from other points"];
@@ -478,7 +514,7 @@ int main(int argc, char** argv) {
                     << id.getHandle().ascii().toUtf8() << " " << block->getName().toUtf8() << " h=" << h << ": "
                     << (o.geometry ? std::string("geometry ok") : o.reason)
                     << (o.textPlace ? "" : ", text position off") << (o.textPlain ? "" : ", text differs") << "\n"
-                    << variables(*dim) << savedLayout(*aligned, theirs) << o.detail << "  saved:\n"
+                    << variables(*dim) << (aligned ? savedLayout(*aligned, theirs) : std::string()) << o.detail << "  saved:\n"
                     << describe(theirs) << "  ours:\n"
                     << describe(oursPrims);
         }

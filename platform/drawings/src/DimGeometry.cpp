@@ -596,9 +596,21 @@ OdResult recomputeDimBlock(OdDbDimension& dim) {
   if (!db) return eNotInDatabase;
   if (!dim.isWriteEnabled()) return eNotOpenForWrite;
   const int type = dim.dimensionType();
-  if (!dim.isKindOf(OdDbAlignedDimension::desc()) || (type != 0 && type != 1)) return eNotImplementedYet;
+  const bool linear = dim.isKindOf(OdDbAlignedDimension::desc()) && (type == 0 || type == 1);
+  const bool ordinate = type == 6 && dim.isKindOf(OdDbOrdinateDimension::desc());
+  const bool radius = type == 4 && dim.isKindOf(OdDbRadialDimension::desc());
+  const bool diameter = type == 3 && dim.isKindOf(OdDbDiametricDimension::desc());
+  const bool jogged = dim.isKindOf(VxHugeRadius::desc());
+  const bool angular = isAngularKind(dim);
+  if (!linear && !ordinate && !radius && !diameter && !jogged && !angular) return eNotImplementedYet;
   try {
-    const BlockContents contents = computeLinear(static_cast<const OdDbAlignedDimension&>(dim));
+    const BlockContents contents =
+        ordinate   ? computeOrdinate(static_cast<const OdDbOrdinateDimension&>(dim))
+        : radius   ? computeRadial(static_cast<const OdDbRadialDimension&>(dim))
+        : diameter ? computeDiametric(static_cast<const OdDbDiametricDimension&>(dim))
+        : jogged   ? computeJogged(static_cast<const VxHugeRadius&>(dim))
+        : angular  ? computeAngular(dim)
+                   : computeLinear(static_cast<const OdDbAlignedDimension&>(dim));
 
     OdDbObjectId blockId = dim.dimBlockId();
     if (blockId.isNull()) {

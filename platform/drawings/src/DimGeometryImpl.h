@@ -85,4 +85,15 @@ TextExtents measureText(const OdString& contents, double height, const FontInfo&
 // Rotated and aligned dimensions.
 BlockContents computeLinear(const OdDbAlignedDimension& dim);
 
+// Two-line and three-point angular dimensions and arc-length dimensions.
+bool isAngularKind(const OdDbDimension& dim);
+BlockContents computeAngular(const OdDbDimension& dim);
+// Ordinate dimensions.
+BlockContents computeOrdinate(const OdDbOrdinateDimension& dim);
+// Radius and diameter dimensions.
+BlockContents computeRadial(const OdDbRadialDimension& dim);
+BlockContents computeDiametric(const OdDbDiametricDimension& dim);
+// Jogged radius dimensions (large radial).
+BlockContents computeJogged(const VxHugeRadius& dim);
+
 }  // namespace dimgeom

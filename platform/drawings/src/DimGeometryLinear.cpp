@@ -7,6 +7,7 @@
 #include <numbers>
 
 #include "DimGeometryImpl.h"
+#include "DimVarSnapshot.h"
 #include "drawings/DimText.h"
 #include "drawings/OdDbDatabase.h"
 #include "drawings/OdDmUtil.h"
@@ -41,7 +42,7 @@ struct Vars {
   OdDb::LineWeight lwd, lwe;
   OdDbObjectId ltype, ltex1, ltex2, txsty;
 
-  explicit Vars(const OdDbDimension& d) {
+  explicit Vars(const OdDimVarSource& d) {
     scale = d.dimscale();
     if (scale <= 0.0) scale = 1.0;  // 0 scales to a paper-space viewport, which a block cannot know
     asz = d.dimasz() * scale;
@@ -184,7 +185,8 @@ private:
 }  // namespace
 
 BlockContents computeLinear(const OdDbAlignedDimension& dim) {
-  const Vars v(dim);
+  const DimVarSnapshot snapshot(dim);
+  const Vars v(snapshot);
   Builder b(v);
   BlockContents& out = b.out();
 

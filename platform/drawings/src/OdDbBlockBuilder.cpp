@@ -26,9 +26,23 @@ int anonymousPrefixLength(const OdString& name) {
 
 // "*D" -> "*D<n>" with n one more than any number that name already has here,
 // erased blocks included, so that a name is never given twice.
+//
+// Records are only appended (undo may drop the last ones), so the highest number
+// is kept for the table last numbered and only the records added since are read:
+// numbering many blocks one after another costs no scan of the whole table each.
+// A name taken all the same (a record renamed meanwhile) moves the number on.
 OdString numberAnonymous(OdDbSymbolTable& table, const OdString& prefix) {
-  uint64_t highest = 0;
-  for (const OdDbObjectId& id : table.records()) {
+  thread_local struct {
+    const OdDbSymbolTable* table = nullptr;
+    OdString prefix;
+    size_t scanned = 0;
+    uint64_t highest = 0;
+  } seen;
+  const auto& records = table.records();
+  if (seen.table != &table || seen.prefix.iCompare(prefix) != 0 || seen.scanned > records.size()) seen = {&table, prefix, 0, 0};
+  uint64_t highest = seen.highest;
+  for (size_t i = seen.scanned; i < records.size(); ++i) {
+    const OdDbObjectId& id = records[i];
     const OdDbObject* o = id.stub() ? id.stub()->object : nullptr;
     if (!o) continue;
     const OdString n = static_cast<const OdDbSymbolTableRecord*>(o)->getName();
@@ -37,7 +51,11 @@ OdString numberAnonymous(OdDbSymbolTable& table, const OdString& prefix) {
     if (digits.getLength() > 18 || !std::all_of(digits.str().begin(), digits.str().end(), isDigit)) continue;
     highest = std::max<uint64_t>(highest, std::stoull(digits.toUtf8()));
   }
-  return prefix + OdString::fromUtf8(std::to_string(highest + 1));
+  seen.scanned = records.size();
+  seen.highest = highest;
+  OdString name = prefix + OdString::fromUtf8(std::to_string(highest + 1));
+  while (table.has(name)) name = prefix + OdString::fromUtf8(std::to_string(++highest + 1));
+  return name;
 }
 
 // A new drawing may come without a BLOCKS section (R12 files need none); it goes

@@ -97,7 +97,9 @@ OdDbObjectId OdDbSymbolTable::add(OdDbSymbolTableRecord* record) {
   OdDbObjectId id = record->objectId().isNull() ? db->addOdDbObject(record, objectId()) : record->objectId();
   record->setOwnerId(objectId());
   m_records.push_back(id);
-  m_indexValid = false;
+  // The name is new (has() built the index just now): adding it keeps the index
+  // valid, so that adding many records costs no rebuild each.
+  if (m_indexValid) m_index.emplace(odstr::folded(name.view()), id);
   return id;
 }
 

@@ -1,6 +1,7 @@
 #include "host/HostSession.h"
 
 #include "host/HostCommands.h"
+#include "host/HostDimRegen.h"
 #include "host/HostServices.h"
 #include "host/HostSvg.h"
 #include "host/HostSysVarCommand.h"
@@ -37,6 +38,7 @@ HostSession::HostSession(HostCommandLine& cl) : m_cl(cl), m_context(cl, m_docMan
   addCommand("?", [this] { cmdHelp(); }, false);
   addCommand("RENDER", [this] { hostRenderCommand(m_cl, activeDocument()); }, false);
   addCommand("SETVAR", [this] { hostSetVarCommand(m_cl); });
+  addCommand("DIMREGEN", [] { hostDimRegenCommand(); });
 }
 
 void HostSession::cmdHelp() {

@@ -22,7 +22,7 @@
 // Text is measured, for gaps and fit, with metrics of a few fonts (txt, simplex,
 // romans, Arial, Play) kept here; text in other fonts is measured as txt.
 //
-// Rotated and aligned dimensions are computed; every other kind returns
+// Rotated, aligned and ordinate dimensions are computed; every other kind returns
 // eNotImplementedYet and is left as it is. eNotInDatabase when the dimension is
 // in no drawing, eNotOpenForWrite when it is not open for write.
 OdResult recomputeDimBlock(OdDbDimension& dim);

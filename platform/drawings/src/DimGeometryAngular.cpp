@@ -1,0 +1,517 @@
+// Angular (two-line and three-point) and arc-length dimensions: a dimension arc
+// about the vertex (or the measured arc's centre) through the arc point, radial
+// extension lines from the measured lines or points out to it, an arrowhead at
+// each end of the arc along its tangent, and the measurement centred on the arc.
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+#include "DimGeometryImpl.h"
+#include "drawings/DimText.h"
+#include "drawings/OdDbDatabase.h"
+#include "drawings/OdDmUtil.h"
+
+namespace dimgeom {
+namespace {
+
+constexpr double kPi = std::numbers::pi;
+constexpr double kTwoPi = 2 * kPi;
+
+// An angle in [0, 2 pi).
+double normal(double a) {
+  a = std::fmod(a, kTwoPi);
+  return a < 0 ? a + kTwoPi : a;
+}
+
+// The direction that text along `a` reads in: left to right, or upwards.
+double readable(double a) {
+  a = std::remainder(a, kTwoPi);
+  if (a > kPi / 2 + 1e-9) a -= kPi;
+  else if (a <= -kPi / 2 + 1e-9) a += kPi;
+  return a;
+}
+
+struct Arrow {
+  OdDbObjectId block;   // null: the closed filled arrow, drawn as a SOLID
+  bool atTip = false;   // drawn around the point it marks: the arc runs to it
+};
+
+Arrow arrowOf(const OdDbObjectId& block) {
+  Arrow a{block, false};
+  if (block.isNull()) return a;
+  const OdString name = OdDmUtil::arrowName(block);
+  for (const wchar_t* n : {L"_ArchTick", L"_Oblique", L"_None", L"_Small", L"_Integral", L"_DotSmall"})
+    if (name.iCompare(n) == 0) a.atTip = true;
+  return a;
+}
+
+struct Vars {
+  double scale, asz, exo, exe, gap, txt, tvp;
+  int tad, atfit;
+  bool tih, toh, tix, soxd, tofl, se1, se2;
+  Arrow arrow1, arrow2;
+  OdCmColor clrd, clre, clrt;
+  OdDb::LineWeight lwd, lwe;
+  OdDbObjectId ltype, ltex1, ltex2, txsty;
+
+  explicit Vars(const OdDbDimension& d) {
+    scale = d.dimscale();
+    if (scale <= 0.0) scale = 1.0;  // 0 scales to a paper-space viewport, which a block cannot know
+    asz = d.dimasz() * scale;
+    exo = d.dimexo() * scale;
+    exe = d.dimexe() * scale;
+    gap = d.dimgap() * scale;
+    txt = d.dimtxt() * scale;
+    tvp = d.dimtvp();
+    tad = d.dimtad();
+    atfit = d.dimatfit();
+    tih = d.dimtih();
+    toh = d.dimtoh();
+    tix = d.dimtix();
+    soxd = d.dimsoxd();
+    tofl = d.dimtofl();
+    se1 = d.dimse1();
+    se2 = d.dimse2();
+    if (d.dimsah()) {
+      arrow1 = arrowOf(d.dimblk1());
+      arrow2 = arrowOf(d.dimblk2());
+    } else {
+      arrow1 = arrow2 = arrowOf(d.dimblk());
+    }
+    clrd = d.dimclrd();
+    clre = d.dimclre();
+    clrt = d.dimclrt();
+    lwd = d.dimlwd();
+    lwe = d.dimlwe();
+    ltype = d.dimltype();
+    ltex1 = d.dimltex1();
+    ltex2 = d.dimltex2();
+    txsty = d.dimtxsty();
+  }
+};
+
+Props propsOf(const OdCmColor& c, OdDb::LineWeight lw, const OdDbObjectId& lt) {
+  Props p;
+  p.color = c;
+  p.lineWeight = lw;
+  p.linetype = lt;
+  return p;
+}
+
+// What is measured, reduced to the same shape for every kind: the sector from
+// `start` counter-clockwise through `sweep` about `centre`, and on each bounding
+// ray the stretch [near, far] (distances from the centre) that the measured
+// line or point covers.
+struct Sector {
+  Vec centre;
+  double start = 0.0, sweep = 0.0;
+  double near1 = 0.0, far1 = 0.0, near2 = 0.0, far2 = 0.0;
+  std::vector<Vec> marks;  // the definition points marked on the Defpoints layer, in order
+  bool startsOnFirst = true;  // whether the sector starts on the first line (or point)
+};
+
+// Which of the sectors between a ray of each pair contains `at`: the first
+// ray's direction is a1 or a1 + pi (likewise the second's) when `bothWays`.
+// Returns the sector's start angle, its sweep and whether it starts on the
+// first ray.
+struct Chosen {
+  double start, sweep;
+  bool startsOnFirst;
+  double dir1, dir2;  // the ray directions taken
+};
+
+Chosen chooseSector(double a1, double a2, double at, bool bothWays) {
+  const int ways = bothWays ? 2 : 1;
+  for (int i = 0; i < ways; ++i)
+    for (int j = 0; j < ways; ++j) {
+      const double r1 = normal(a1 + i * kPi), r2 = normal(a2 + j * kPi);
+      const double s12 = normal(r2 - r1);  // from ray 1 counter-clockwise to ray 2
+      if (bothWays && s12 > kPi + 1e-12) continue;  // the lines' four sectors are each under pi
+      const double off = normal(at - r1);
+      if (bothWays) {
+        if (off <= s12 + 1e-12) return {r1, s12, true, r1, r2};
+        if (s12 < 1e-12) continue;
+      } else {
+        if (off <= s12 + 1e-12) return {r1, s12, true, r1, r2};
+        return {r2, kTwoPi - s12, false, r1, r2};
+      }
+    }
+  // The arc point on the other side of both lines' pairs: take the sector from ray 2 to ray 1.
+  for (int i = 0; i < 2; ++i)
+    for (int j = 0; j < 2; ++j) {
+      const double r1 = normal(a1 + i * kPi), r2 = normal(a2 + j * kPi);
+      const double s21 = normal(r1 - r2);
+      if (s21 > kPi + 1e-12) continue;
+      if (normal(at - r2) <= s21 + 1e-12) return {r2, s21, false, r1, r2};
+    }
+  return {normal(a1), normal(a2 - a1), true, normal(a1), normal(a2)};
+}
+
+// Where a line from p to q lies along the ray from c in direction d: the
+// distances of its ends' projections, nearest first.
+void stretchOf(Vec c, Vec d, Vec p, Vec q, double& nearD, double& farD) {
+  const double a = (p - c).dot(d), b = (q - c).dot(d);
+  nearD = std::min(a, b);
+  farD = std::max(a, b);
+}
+
+}  // namespace
+
+BlockContents computeAngular(const OdDbDimension& dim) {
+  const Vars v(dim);
+  BlockContents out;
+  auto& items = out.items;
+
+  // ---- what is measured ----
+  Sector s;
+  Vec arcPoint;
+  const bool arcLength = dim.isKindOf(OdDbArcDimension::desc());
+  double measuredRadius = 0.0;  // arc length: the measured arc's radius
+  if (auto d2 = OdDb2LineAngularDimension::cast(&dim)) {
+    const Vec a(d2->xLine1Start()), b(d2->xLine1End()), c(d2->xLine2Start()), e(d2->xLine2End());
+    arcPoint = Vec(d2->arcPoint());
+    const Vec u = b - a, w = e - c;
+    const double cross = u.x * w.y - u.y * w.x;
+    if (std::fabs(cross) < 1e-12 * std::max(1.0, u.length() * w.length())) throw OdError(eInvalidInput);
+    const double t = ((c - a).x * w.y - (c - a).y * w.x) / cross;
+    s.centre = a + u * t;
+    const Chosen ch = chooseSector(u.angle(), w.angle(), (arcPoint - s.centre).angle(), true);
+    s.start = ch.start;
+    s.sweep = ch.sweep;
+    double n1, f1, n2, f2;
+    stretchOf(s.centre, Vec::polar(ch.dir1), a, b, n1, f1);
+    stretchOf(s.centre, Vec::polar(ch.dir2), c, e, n2, f2);
+    if (ch.startsOnFirst) s.near1 = n1, s.far1 = f1, s.near2 = n2, s.far2 = f2;
+    else s.near1 = n2, s.far1 = f2, s.near2 = n1, s.far2 = f1;
+    s.marks = {arcPoint, e, a, b, c};
+    s.startsOnFirst = ch.startsOnFirst;
+    out.dimLinePoint = c;
+  } else {
+    Vec p1, p2;
+    if (auto d3 = OdDb3PointAngularDimension::cast(&dim)) {
+      p1 = Vec(d3->xLine1Point());
+      p2 = Vec(d3->xLine2Point());
+      s.centre = Vec(d3->centerPoint());
+      arcPoint = Vec(d3->arcPoint());
+    } else if (auto al = OdDbArcDimension::cast(&dim)) {
+      p1 = Vec(al->xLine1Point());
+      p2 = Vec(al->xLine2Point());
+      s.centre = Vec(al->centerPoint());
+      arcPoint = Vec(al->arcPoint());
+    } else {
+      throw OdError(eNotImplementedYet);
+    }
+    const Chosen ch = chooseSector((p1 - s.centre).angle(), (p2 - s.centre).angle(), (arcPoint - s.centre).angle(), false);
+    s.start = ch.start;
+    s.sweep = ch.sweep;
+    const Vec first = ch.startsOnFirst ? p1 : p2, second = ch.startsOnFirst ? p2 : p1;
+    s.near1 = s.far1 = (first - s.centre).length();
+    s.near2 = s.far2 = (second - s.centre).length();
+    s.marks = {s.centre, p1, p2, arcPoint};
+    s.startsOnFirst = ch.startsOnFirst;
+    measuredRadius = (p1 - s.centre).length();
+    out.dimLinePoint = arcPoint;
+  }
+  const double r = (arcPoint - s.centre).length();
+  if (r < 1e-12) throw OdError(eInvalidInput);
+  const Vec c = s.centre;
+  auto onArc = [&](double a) { return c + Vec::polar(a) * r; };
+
+  const double measured = arcLength ? measuredRadius * s.sweep : s.sweep;
+  out.measurement = measured;
+
+  // The extension lines: radial, from the measured line's end nearest the arc (or
+  // the point) out to the arc and a little past it; none where the line already
+  // reaches the arc. An arc length under a right angle has them parallel instead,
+  // along the bisector, and the dimension arc runs between where they meet it.
+  struct Extension {
+    bool shown = false;
+    Vec from, to;
+  };
+  Extension ext1, ext2;
+  auto radial = [&](double angle, double nearD, double farD) {
+    Extension e;
+    const Vec d = Vec::polar(angle);
+    double from, to;
+    if (r > farD) from = farD + v.exo, to = r + v.exe;
+    else if (r < nearD) from = nearD - v.exo, to = r - v.exe;
+    else return e;
+    if (std::fabs(to - from) < 1e-12 || (r > farD ? to < from : to > from)) return e;
+    e.shown = true;
+    e.from = c + d * from;
+    e.to = c + d * to;
+    return e;
+  };
+  if (arcLength && s.sweep < kPi / 2 - 1e-9) {
+    const Vec d = Vec::polar(s.start + s.sweep / 2);
+    auto parallel = [&](double angle, double dist, double& arcAngle) {
+      const Vec q = Vec::polar(angle) * dist;  // the point, from the centre
+      const double b = q.dot(d), disc = b * b - q.dot(q) + r * r;
+      Extension e;
+      if (disc < 0) {
+        arcAngle = angle;
+        return radial(angle, dist, dist);
+      }
+      const double t1 = -b + std::sqrt(disc), t2 = -b - std::sqrt(disc);
+      const double t = std::fabs(t1) < std::fabs(t2) ? t1 : t2;
+      arcAngle = (q + d * t).angle();
+      const double sign = t >= 0 ? 1.0 : -1.0;
+      if (std::fabs(t) <= v.exo) return e;
+      e.shown = true;
+      e.from = c + q + d * (sign * v.exo);
+      e.to = c + q + d * (t + sign * v.exe);
+      return e;
+    };
+    double a1 = s.start, a2 = s.start + s.sweep;
+    ext1 = parallel(s.start, s.near1, a1);
+    ext2 = parallel(s.start + s.sweep, s.near2, a2);
+    s.start = normal(a1);
+    s.sweep = normal(a2 - a1);
+  } else {
+    ext1 = radial(s.start, s.near1, s.far1);
+    ext2 = radial(s.start + s.sweep, s.near2, s.far2);
+  }
+  const double end = s.start + s.sweep;
+
+  // ---- the text ----
+  const OdString contents = odDimensionText(dim, measured);
+  const bool hasText = !contents.isEmpty();
+  const OdDbDatabase* db = dim.database();
+  const FontInfo font = db ? fontOf(*db, v.txsty) : FontInfo{};
+  const double height = font.fixedHeight > 0 ? font.fixedHeight : v.txt;
+  const TextExtents ext = hasText ? measureText(contents, height, font) : TextExtents{};
+  const double gap = std::fabs(v.gap);
+
+  // The arc's length and what needs room on it: the text (with its gap either
+  // side where it sits on the arc) and the two arrowheads.
+  const double arcLen = r * s.sweep;
+  const double mid = s.start + s.sweep / 2;
+  const double tangentAngle = readable(mid + kPi / 2);
+  const bool userText = !dim.isUsingDefaultTextPosition();
+  const double rotationOverride = dim.textRotation();
+  const double insideAngle = rotationOverride != 0 ? rotationOverride : (v.tih ? 0.0 : tangentAngle);
+  const double along = hasText ? ext.width * std::fabs(std::cos(insideAngle - tangentAngle)) +
+                                     ext.height * std::fabs(std::sin(insideAngle - tangentAngle))
+                               : 0.0;
+  const double textNeed = hasText ? along + (v.tad == 0 ? 2 * gap : 0.0) : 0.0;
+  const double arrowsNeed = 2 * v.asz;
+  bool textInside = true, arrowsInside = true;
+  if (!hasText) arrowsInside = arcLen >= arrowsNeed;
+  else if (arcLen < textNeed + arrowsNeed) {
+    const bool textFits = arcLen >= textNeed, arrowsFit = arcLen >= arrowsNeed;
+    switch (v.atfit) {
+      case 0: textInside = arrowsInside = false; break;
+      case 1: arrowsInside = false; textInside = textFits; break;
+      case 2: textInside = false; arrowsInside = arrowsFit; break;
+      default:
+        if (textFits) arrowsInside = false;
+        else if (arrowsFit) textInside = false;
+        else textInside = arrowsInside = false;
+    }
+    if (v.tix) {
+      textInside = true;
+      arrowsInside = false;
+    }
+  }
+  if (userText) textInside = true;
+  const bool arrowsShown = arrowsInside || !v.soxd;
+
+  const double textAngle =
+      rotationOverride != 0 ? rotationOverride : ((textInside ? v.tih : v.toh) ? 0.0 : tangentAngle);
+  Vec textAt;
+  if (userText) {
+    textAt = Vec(dim.textPosition());
+  } else {
+    // Outside, the text follows the second end along the arc's tangent, past an
+    // arrowhead and its gap. "Above" is the left of the direction the text reads in.
+    Vec base = onArc(mid);
+    Vec up = Vec::polar(tangentAngle).left();
+    if (!textInside) {
+      const Vec t = Vec::polar(end).left();
+      base = onArc(end) + t * (2 * v.asz + gap + along / 2);
+      up = Vec::polar(readable(end + kPi / 2)).left();
+    }
+    const double across = hasText ? ext.width * std::fabs(std::sin(textAngle - up.angle() + kPi / 2)) / 2 +
+                                        ext.height * std::fabs(std::cos(textAngle - up.angle() + kPi / 2)) / 2
+                                  : 0.0;
+    // A negative DIMGAP frames the text that far around it, and the text keeps
+    // the gap again outside its frame.
+    const double clearance = v.gap < 0 ? 2 * gap : gap;
+    if (v.tad == 0) textAt = base + up * (v.tvp * v.txt);
+    else if (v.tad == 4) textAt = base - up * (clearance + across);
+    else textAt = base + up * (clearance + across);
+  }
+  out.textPosition = textAt;
+
+  // ---- extension lines ----
+  auto extension = [&](const Extension& e, bool suppressed, const OdDbObjectId& lt) {
+    if (suppressed || !e.shown) return;
+    Item it;
+    it.kind = ItemKind::Line;
+    it.p[0] = e.from;
+    it.p[1] = e.to;
+    it.props = propsOf(v.clre, v.lwe, lt);
+    items.push_back(it);
+  };
+  // The first extension line's variables go with the first line, wherever the
+  // sector starts.
+  const bool f = s.startsOnFirst;
+  extension(ext1, f ? v.se1 : v.se2, f ? v.ltex1 : v.ltex2);
+  extension(ext2, f ? v.se2 : v.se1, f ? v.ltex2 : v.ltex1);
+
+  // ---- the dimension arc ----
+  const Props dimProps = propsOf(v.clrd, v.lwd, v.ltype);
+  auto arc = [&](double a0, double a1) {
+    if (a1 - a0 < 1e-12) return;
+    Item it;
+    it.kind = ItemKind::Arc;
+    it.p[0] = c;
+    it.radius = r;
+    it.startAngle = normal(a0);
+    it.endAngle = normal(a1);
+    it.props = dimProps;
+    items.push_back(it);
+  };
+  // Text on the arc (not above or below it) cuts it where the arc runs through
+  // the text's box (the text and its gap).
+  const bool cutsArc = hasText && v.tad == 0;
+  const Vec tx = Vec::polar(textAngle), ty = tx.left();
+  const double hw = ext.width / 2 + gap, hh = ext.height / 2 + gap;
+  auto inBox = [&](double a) {
+    const Vec q = onArc(a) - textAt;
+    return std::fabs(q.dot(tx)) < hw - 1e-9 * r && std::fabs(q.dot(ty)) < hh - 1e-9 * r;
+  };
+  auto arcPiece = [&](double from, double to, bool cut) {
+    if (to - from < 1e-12) return;
+    if (!cut) return arc(from, to);
+    std::vector<double> cuts{from, to};
+    if (cutsArc) {
+      // Where the circle crosses each edge's line: (centre - textAt + r (cos a, sin a)).n = k
+      // for the edge normal n at offset k.
+      const Vec off = c - textAt;
+      const std::pair<Vec, double> edges[] = {{tx, hw}, {tx, -hw}, {ty, hh}, {ty, -hh}};
+      for (const auto& [n, k] : edges) {
+        const double rhs = k - off.dot(n);
+        if (std::fabs(rhs) > r) continue;
+        const double base = n.angle(), spread = std::acos(rhs / r);
+        for (double a : {base + spread, base - spread}) {
+          const double rel = normal(a - from);
+          if (rel > 0 && rel < to - from) cuts.push_back(from + rel);
+        }
+      }
+    }
+    std::sort(cuts.begin(), cuts.end());
+    for (std::size_t i = 0; i + 1 < cuts.size(); ++i) {
+      const double a0 = cuts[i], a1 = cuts[i + 1];
+      if (a1 - a0 < 1e-12) continue;
+      if (cutsArc && inBox((a0 + a1) / 2)) continue;
+      // Neighbouring pieces outside the box stay one arc.
+      std::size_t j = i + 1;
+      while (j + 1 < cuts.size() && !(cutsArc && inBox((cuts[j] + cuts[j + 1]) / 2))) ++j;
+      arc(a0, cuts[j]);
+      i = j - 1;
+    }
+  };
+  // Inside, the arc stops at the back of each arrowhead (a tick sits on its end).
+  // Arrowheads outside point in, each with an arrowhead's length of arc behind
+  // it; the arc between them is drawn only when DIMTOFL asks for it (or they are
+  // left out).
+  // An arrowhead's length along the arc: the angle whose chord is that long.
+  const double len = 2 * std::asin(std::min(1.0, v.asz / (2 * r)));
+  const Arrow& startArrow = s.startsOnFirst ? v.arrow1 : v.arrow2;
+  const Arrow& endArrow = s.startsOnFirst ? v.arrow2 : v.arrow1;
+  const double back1 = startArrow.atTip ? 0.0 : len, back2 = endArrow.atTip ? 0.0 : len;
+  if (arrowsInside) {
+    arcPiece(s.start + (arrowsShown ? back1 : 0.0), end - (arrowsShown ? back2 : 0.0), true);
+  } else {
+    if (arrowsShown) {
+      // (the text does not cut these short pieces)
+      arcPiece(s.start - back1 - len, s.start - back1, false);
+      arcPiece(end + back2, end + back2 + len, false);
+    }
+    if (v.tofl || !arrowsShown) arcPiece(s.start, end, true);
+  }
+
+  // ---- arrowheads ----
+  auto arrow = [&](const Arrow& a, double at, bool first) {
+    const Vec tip = onArc(at);
+    // Pointing out of the arc (into it when outside), along the chord from the
+    // arc's point an arrowhead's length back to the tip: the arrowhead's back
+    // sits on the arc.
+    const double sense = (first ? 1.0 : -1.0) * (arrowsInside ? 1.0 : -1.0);
+    Vec dir = (tip - onArc(at + sense * len)).unit();
+    if (a.atTip) dir = Vec::polar(at).left() * -sense;
+    Item it;
+    it.props = dimProps;
+    if (a.block.isNull()) {
+      const Vec base = tip - dir * v.asz, side = dir.left();
+      it.kind = ItemKind::Solid;
+      it.p[0] = base + side * (v.asz / 6);
+      it.p[1] = base - side * (v.asz / 6);
+      it.p[2] = tip;
+      it.p[3] = tip;
+      it.props.linetype = OdDbObjectId();
+    } else {
+      it.kind = ItemKind::Arrow;
+      it.p[0] = tip;
+      it.block = a.block;
+      it.scale = v.asz;
+      it.angle = dir.angle();
+    }
+    items.push_back(it);
+  };
+  if (arrowsShown) {
+    arrow(s.startsOnFirst ? v.arrow1 : v.arrow2, s.start, true);
+    arrow(s.startsOnFirst ? v.arrow2 : v.arrow1, end, false);
+  }
+
+  // ---- text and definition points ----
+  if (hasText) {
+    Item it;
+    it.kind = ItemKind::Text;
+    it.p[0] = textAt;
+    it.angle = textAngle;
+    it.contents = contents;
+    it.height = height;
+    it.textStyle = v.txsty;
+    it.props.color = v.clrt;
+    items.push_back(it);
+    if (v.gap < 0) {
+      const double fw = ext.width / 2 + gap, fh = ext.height / 2 + gap;
+      const Vec corner[4] = {textAt - tx * fw - ty * fh, textAt + tx * fw - ty * fh, textAt + tx * fw + ty * fh,
+                             textAt - tx * fw + ty * fh};
+      for (int i = 0; i < 4; ++i) {
+        Item line;
+        line.kind = ItemKind::Line;
+        line.p[0] = corner[i];
+        line.p[1] = corner[(i + 1) % 4];
+        line.props = dimProps;
+        items.push_back(line);
+      }
+    }
+  }
+  auto point = [&](Vec at) {
+    Item it;
+    it.kind = ItemKind::Point;
+    it.p[0] = at;
+    it.props.color.setColorIndex(0);
+    items.push_back(it);
+  };
+  for (const Vec& m : s.marks) point(m);
+  return out;
+}
+
+}  // namespace dimgeom
+
+namespace dimgeom {
+
+bool isAngularKind(const OdDbDimension& dim) {
+  // The arc-length symbol (DIMARCSYM 0 before the text, 1 above it) is drawn as an
+  // arc whose size and place are not worked out yet: only arc lengths without it.
+  if (dim.isKindOf(OdDbArcDimension::desc())) return dim.dimarcsym() == 2;
+  const int type = dim.dimensionType();
+  return (type == 2 && dim.isKindOf(OdDb2LineAngularDimension::desc())) ||
+         (type == 5 && dim.isKindOf(OdDb3PointAngularDimension::desc()));
+}
+
+}  // namespace dimgeom

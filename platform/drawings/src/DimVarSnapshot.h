@@ -1,0 +1,36 @@
+// The dimension variables of one dimension as the geometry reads them: the
+// dimension's style is looked up once and its overrides listed once, instead of
+// both again for every variable (each lookup decodes the style name and the
+// extended data of the entity).
+#pragma once
+
+#include <bitset>
+
+#include "drawings/DimVarDefaults.h"
+#include "drawings/OdDbDimStyleTableRecord.h"
+#include "drawings/OdDbDimension.h"
+
+namespace dimgeom {
+
+class DimVarSnapshot : public OdDimVarSource {
+public:
+  explicit DimVarSnapshot(const OdDbDimension& dim)
+      : m_dim(dim), m_style(odOpen<OdDbDimStyleTableRecord>(dim.dimensionStyle())) {
+    for (std::size_t row : dim.dimVarOverrides())
+      if (row < m_overridden.size()) m_overridden.set(row);
+  }
+
+  OdDimVarValue dimVar(std::size_t row) const override {
+    // An override, or a drawing without the style: the dimension's own way.
+    if (!m_style || row >= m_overridden.size() || m_overridden.test(row)) return m_dim.dimVar(row);
+    return m_style->dimVar(row);
+  }
+  void setDimVar(std::size_t, const OdDimVarValue&) override { throw OdError(eNotApplicable, "read only"); }
+
+private:
+  const OdDbDimension& m_dim;
+  OdSmartPtr<OdDbDimStyleTableRecord> m_style;
+  std::bitset<kDimVarDefaults.size()> m_overridden;
+};
+
+}  // namespace dimgeom

@@ -1,0 +1,59 @@
+#include "host/HostDimRegen.h"
+
+#include <string>
+
+#include "drawings/DimGeometry.h"
+#include "drawings/OdDbDimension.h"
+#include "host/HostServices.h"
+#include "host/IVxContext.h"
+
+OdDbObjectIdArray hostAllDimensions(const OdDbDatabase& db) {
+  OdDbObjectIdArray out;
+  auto table = odOpen<OdDbBlockTable>(db.getBlockTableId());
+  if (!table) return out;
+  for (const OdDbObjectId& btrId : table->recordIds()) {
+    auto btr = odOpen<OdDbBlockTableRecord>(btrId);
+    if (!btr) continue;
+    for (const OdDbObjectId& id : btr->entityIds())
+      if (auto d = odOpen<OdDbDimension>(id)) out.push_back(id);
+  }
+  return out;
+}
+
+HostDimRegenCount hostRecomputeDimensions(const OdDbObjectIdArray& ids) {
+  HostDimRegenCount n;
+  for (const OdDbObjectId& id : ids) {
+    auto d = odOpen<OdDbDimension>(id, OdDb::kForWrite);
+    if (!d) continue;
+    switch (recomputeDimBlock(*d)) {
+      case eOk: ++n.recomputed; break;
+      case eNotImplementedYet: ++n.notYet; break;
+      default: ++n.failed;
+    }
+  }
+  return n;
+}
+
+void hostDimRegenCommand() {
+  IVxContext* ctx = gpVxContext;
+  OdDbDatabase* db = hostActiveDatabase();
+  if (!ctx) return;
+  if (!db) {
+    ctx->print(L"No drawing is open.");
+    return;
+  }
+  OdString choice;
+  const HostResult r = ctx->getKeyword(L"Dimensions to recompute [%s] <ALL>: ", L"ALL Select", choice);
+  if (r == kHostAbort) return;
+  OdDbObjectIdArray ids;
+  if (r == kHostNone || choice.iCompare(L"ALL") == 0) {
+    ids = hostAllDimensions(*db);
+  } else if (ctx->selectObjects(L"Select objects: ", ids) != kHostOk) {
+    return;
+  }
+  const HostDimRegenCount n = hostRecomputeDimensions(ids);
+  std::string line = std::to_string(n.recomputed) + " dimension(s) recomputed, " + std::to_string(n.notYet) +
+                     " of kinds not computed yet";
+  if (n.failed) line += ", " + std::to_string(n.failed) + " failed";
+  ctx->print(OdString::fromUtf8(line + "."));
+}
