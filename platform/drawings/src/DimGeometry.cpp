@@ -89,10 +89,10 @@ constexpr Glyph kArial[] = {
 };
 
 // The plain "txt" shape font: a capital is 6 units high; most glyphs are 4 wide
-// with 2 units to the next. '0' and '1' are narrower and the period takes 2, as
-// the gaps in real drawings show.
+// with 2 units to the next. '0' and '1' are narrower, the period takes 2 and the
+// comma 3, as the gaps in real drawings show.
 constexpr Glyph kTxt[] = {
-    {U' ', 6, 0, 0, 0, 0},  {U'"', 4, 0, 2, 4, 6},  {U'\'', 2, 0, 0, 4, 6}, {U',', 2, 0, 0, -1, 0},
+    {U' ', 6, 0, 0, 0, 0},  {U'"', 4, 0, 2, 4, 6},  {U'\'', 2, 0, 0, 4, 6}, {U',', 3, 0, 0, -1, 0},
     {U'-', 6, 0, 4, 3, 3},  {U'.', 2, 0, 0, 0, 0},  {U'0', 5, 0, 3, 0, 6},  {U'1', 4, 0, 2, 0, 6},
 };
 

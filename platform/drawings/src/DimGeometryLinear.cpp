@@ -221,7 +221,7 @@ BlockContents computeLinear(const OdDbAlignedDimension& dim) {
   const Vec t = span > 1e-12 ? (d2 - d1).unit() : u;  // from the first extension line to the second
 
   // ---- the text ----
-  const OdString contents = odDimensionText(dim, measured);
+  const OdString contents = dimensionText(dim, snapshot, measured);
   const bool hasText = !contents.isEmpty();
   const OdDbDatabase* db = dim.database();
   const FontInfo font = db ? fontOf(*db, v.txsty) : FontInfo{};

@@ -62,7 +62,7 @@ BlockContents computeOrdinate(const OdDbOrdinateDimension& dim) {
   out.dimLinePoint = origin;  // code 10 holds the origin: left as it is
 
   // ---- the text: reading along the leader, left to right or upwards ----
-  const OdString contents = odDimensionText(dim, measured);
+  const OdString contents = dimensionText(dim, v, measured);
   const bool hasText = !contents.isEmpty();
   const OdDbDatabase* db = dim.database();
   const FontInfo font = db ? fontOf(*db, v.dimtxsty()) : FontInfo{};

@@ -6,7 +6,9 @@
 
 #include <bitset>
 
+#include "drawings/DimText.h"
 #include "drawings/DimVarDefaults.h"
+#include "drawings/OdDbDatabase.h"
 #include "drawings/OdDbDimStyleTableRecord.h"
 #include "drawings/OdDbDimension.h"
 
@@ -32,5 +34,19 @@ private:
   OdSmartPtr<OdDbDimStyleTableRecord> m_style;
   std::bitset<kDimVarDefaults.size()> m_overridden;
 };
+
+// The measurement text, as odDimensionText() makes it, with the variables read
+// from the snapshot.
+inline OdString dimensionText(const OdDbDimension& dim, const DimVarSnapshot& vars, double measurement) {
+  DimTextInput in;
+  in.kind = odDimTextKind(dim);
+  in.measurement = measurement;
+  in.userText = dim.dimensionText();
+  in.vars = &vars;
+  if (const OdDbDatabase* db = dim.database()) in.version = db->version();
+  if (auto owner = odOpen<OdDbBlockTableRecord>(dim.ownerId()))
+    in.inPaperSpace = owner->isLayout() && owner->getName().left(12).iCompare(L"*Paper_Space") == 0;
+  return odFormatDimText(in);
+}
 
 }  // namespace dimgeom
