@@ -7,6 +7,7 @@
 #include <string>
 
 #include "DimGeometryImpl.h"
+#include "drawings/OdDmUtil.h"
 #include "EntityTags.h"
 #include "drawings/DimText.h"
 #include "drawings/OdDbBlockBuilder.h"
@@ -639,3 +640,24 @@ OdResult recomputeDimBlock(OdDbDimension& dim) {
   }
   return eOk;
 }
+
+namespace dimgeom {
+
+Arrow arrowOf(const OdDbObjectId& block) {
+  Arrow a{block, false};
+  if (block.isNull()) return a;
+  const OdString name = OdDmUtil::arrowName(block);
+  for (const wchar_t* n : {L"_ArchTick", L"_Oblique", L"_None", L"_Small", L"_Integral", L"_DotSmall"})
+    if (name.iCompare(n) == 0) a.atTip = true;
+  return a;
+}
+
+double readable(double a) {
+  const double pi = std::numbers::pi;
+  a = std::remainder(a, 2 * pi);  // (-pi, pi]
+  if (a > pi / 2 + 1e-9) a -= pi;
+  else if (a <= -pi / 2 + 1e-9) a += pi;
+  return a;
+}
+
+}  // namespace dimgeom

@@ -23,27 +23,8 @@ double normal(double a) {
   return a < 0 ? a + kTwoPi : a;
 }
 
-// The direction that text along `a` reads in: left to right, or upwards.
-double readable(double a) {
-  a = std::remainder(a, kTwoPi);
-  if (a > kPi / 2 + 1e-9) a -= kPi;
-  else if (a <= -kPi / 2 + 1e-9) a += kPi;
-  return a;
-}
 
-struct Arrow {
-  OdDbObjectId block;   // null: the closed filled arrow, drawn as a SOLID
-  bool atTip = false;   // drawn around the point it marks: the arc runs to it
-};
 
-Arrow arrowOf(const OdDbObjectId& block) {
-  Arrow a{block, false};
-  if (block.isNull()) return a;
-  const OdString name = OdDmUtil::arrowName(block);
-  for (const wchar_t* n : {L"_ArchTick", L"_Oblique", L"_None", L"_Small", L"_Integral", L"_DotSmall"})
-    if (name.iCompare(n) == 0) a.atTip = true;
-  return a;
-}
 
 struct Vars {
   double scale, asz, exo, exe, gap, txt, tvp;

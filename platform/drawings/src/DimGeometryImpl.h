@@ -29,6 +29,16 @@ struct Vec {
   static Vec polar(double radians);
 };
 
+// An arrowhead as a dimension variable names it.
+struct Arrow {
+  OdDbObjectId block;   // null: the closed filled arrow, drawn as a SOLID
+  bool atTip = false;   // drawn around the point it marks (ticks, dots): the line runs up to it
+};
+Arrow arrowOf(const OdDbObjectId& block);
+
+// The direction that text along angle `a` reads in: left to right, or upwards.
+double readable(double a);
+
 // What each kind of block entity takes from the dimension variables.
 struct Props {
   OdCmColor color;

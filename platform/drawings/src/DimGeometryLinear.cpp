@@ -17,20 +17,7 @@ namespace {
 
 constexpr double kPi = std::numbers::pi;
 
-// An arrowhead as a dimension variable names it.
-struct Arrow {
-  OdDbObjectId block;   // null: the closed filled arrow, drawn as a SOLID
-  bool atTip = false;   // drawn around the point it marks (ticks, dots): the line runs to it
-};
 
-Arrow arrowOf(const OdDbObjectId& block) {
-  Arrow a{block, false};
-  if (block.isNull()) return a;
-  const OdString name = OdDmUtil::arrowName(block);
-  for (const wchar_t* n : {L"_ArchTick", L"_Oblique", L"_None", L"_Small", L"_Integral", L"_DotSmall"})
-    if (name.iCompare(n) == 0) a.atTip = true;
-  return a;
-}
 
 // The dimension variables that the geometry uses, read once.
 struct Vars {
@@ -86,13 +73,6 @@ struct Vars {
   }
 };
 
-// The direction that text along `a` reads in: left to right, or upwards.
-double readable(double a) {
-  a = std::remainder(a, 2 * kPi);  // (-pi, pi]
-  if (a > kPi / 2 + 1e-9) a -= kPi;
-  else if (a <= -kPi / 2 + 1e-9) a += kPi;
-  return a;
-}
 
 // Half the length of the line through the middle of a w x h box turned by
 // `boxAngle` that lies inside the box, for a line in direction `lineAngle`.

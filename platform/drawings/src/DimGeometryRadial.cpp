@@ -28,19 +28,7 @@ namespace {
 
 constexpr double kPi = std::numbers::pi;
 
-struct Arrow {
-  OdDbObjectId block;  // null: the closed filled arrow, drawn as a SOLID
-  bool atTip = false;  // drawn around its point (ticks, dots): the line runs up to it
-};
 
-Arrow arrowOf(const OdDbObjectId& block) {
-  Arrow a{block, false};
-  if (block.isNull()) return a;
-  const OdString name = OdDmUtil::arrowName(block);
-  for (const wchar_t* n : {L"_ArchTick", L"_Oblique", L"_None", L"_Small", L"_Integral", L"_DotSmall"})
-    if (name.iCompare(n) == 0) a.atTip = true;
-  return a;
-}
 
 // The dimension variables this layout reads, scaled by DIMSCALE where they are sizes.
 struct Vars {
@@ -87,13 +75,6 @@ struct Vars {
   }
 };
 
-// The direction that text along `a` reads in: left to right, or upwards.
-double readable(double a) {
-  a = std::remainder(a, 2 * kPi);
-  if (a > kPi / 2 + 1e-9) a -= kPi;
-  else if (a <= -kPi / 2 + 1e-9) a += kPi;
-  return a;
-}
 
 class Builder {
 public:
