@@ -1,6 +1,8 @@
 #define VEX_SRCFILE "dds"
 #include "DimStyleCommand.h"
 
+#include "drawings/DimGeometry.h"
+
 #include <vector>
 
 #include "drawings/DxfVersion.h"
@@ -106,6 +108,9 @@ VxResult ApplyCurrentSettings(OdDbDatabase* pDb, const OdDbObjectIdArray& ids, i
       auto pDim = odOpen<OdDbDimension>(id, OdDb::kForWrite);
       CONTINUEERRIF(!pDim);
       applyTo(*pDim, styleId, isOverride, *pDb);
+      // The dimension is drawn anew with its new values; kinds the geometry
+      // engine does not compute yet keep the block they had.
+      recomputeDimBlock(*pDim);
     } else if (OdDbLeader::cast(pObject.get())) {
       auto pLeader = odOpen<OdDbLeader>(id, OdDb::kForWrite);
       CONTINUEERRIF(!pLeader);
