@@ -458,6 +458,15 @@ OdString odMTextPlainText(const OdString& contents) {
       ++i;
       continue;
     }
+    // Control characters spelled with a caret in the file: ^I tab, ^J line break, "^ " a caret.
+    if (c == L'^' && i + 1 < s.size()) {
+      const wchar_t n = s[i + 1];
+      if (n == L'I' || n == L'J' || n == L' ') {
+        out += n == L'I' ? L' ' : n == L'J' ? L'\n' : L'^';
+        i += 2;
+        continue;
+      }
+    }
     if (c != L'\\' || i + 1 >= s.size()) {
       out += c;
       ++i;

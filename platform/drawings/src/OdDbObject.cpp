@@ -85,6 +85,16 @@ OdResult OdDbObject::erase(bool erasing) {
   // A table's name index must not find erased records.
   if (OdDbObject* owner = m_owner.stub() ? m_owner.stub()->object : nullptr)
     if (owner->isKindOf(OdDbSymbolTable::desc())) static_cast<OdDbSymbolTable*>(owner)->invalidateIndex();
+  // What the object owns goes with it: its extension dictionary and, for a
+  // dictionary, the entries it owns. Left behind they would be orphans that
+  // other programs' checks delete.
+  std::vector<OdDbObject*> owned;
+  if (OdDbObject* ext = extensionDictionary().stub() ? extensionDictionary().stub()->object : nullptr) owned.push_back(ext);
+  if (isKindOf(OdDbDictionary::desc()))
+    for (auto& [name, id] : static_cast<OdDbDictionary*>(this)->entries())
+      if (OdDbObject* o = id.stub() ? id.stub()->object : nullptr) owned.push_back(o);
+  for (OdDbObject* o : owned)
+    if (o->ownerId() == objectId() && o->isErased() != erasing) o->erase(erasing);
   return eOk;
 }
 

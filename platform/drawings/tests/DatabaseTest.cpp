@@ -337,3 +337,27 @@ TEST(Database, NamesSurviveConversionBetweenCodePagesAndUtf8) {
     }
   }
 }
+
+TEST(Database, ErasingAnObjectErasesWhatItOwns) {
+  LOAD_OR_SKIP(db, "LibreDWG__libredwg__example_2013.dxf");
+  OdDbEntityPtr line = firstEntity(*db, "LINE");
+  ASSERT_TRUE(line);
+  line->createExtensionDictionary();
+  auto ext = odOpen<OdDbDictionary>(line->extensionDictionary(), OdDb::kForWrite);
+  OdSmartPtr<OdDbXrecord> xr = OdDbXrecord::createObject();
+  xr->setDxfName("XRECORD");
+  OdDbObjectId xid = ext->setAt(L"NOTE", xr.get());
+  xr->tagsForWrite().emplace_back(100, "AcDbXrecord");
+  const OdDbObjectId extId = ext->objectId();
+  line->erase();
+  EXPECT_TRUE(extId.isErased());
+  EXPECT_TRUE(xid.isErased());
+  // Unerasing brings them back.
+  line->erase(false);
+  EXPECT_FALSE(extId.isErased());
+  EXPECT_FALSE(xid.isErased());
+  line->erase();
+  OdDbDatabasePtr again = OdDbDatabase::readDxf(db->toDxf());
+  EXPECT_TRUE(again->getOdDbObjectId(extId.getHandle()).isNull());
+  EXPECT_TRUE(again->getOdDbObjectId(xid.getHandle()).isNull());
+}

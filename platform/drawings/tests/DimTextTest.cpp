@@ -193,6 +193,7 @@ TEST(DimText, PlainTextIsWhatAReaderSees) {
       {L"12\\X[0.47]\\Pnext \\\\ \\{x\\}", L"12\n[0.47]\nnext \\ {x}"},
       {L"94\\U+00B0 %%c5 %%p1 %%d", L"94\u00B0 \u22055 \u00B11 \u00B0"},
       {L"\\LUnder\\l \\C1;red\\~x", L"Under red x"},
+      {L"1.^IMATERIAL^J2.^ x", L"1. MATERIAL\n2.^x"},
   };
   for (auto& [contents, plain] : cases)
     EXPECT_EQ(narrow(odMTextPlainText(contents)), narrow(plain)) << narrow(contents);
