@@ -5,6 +5,8 @@
 // text 2.5), and agreement with the blocks CAD programs saved.
 #include <gtest/gtest.h>
 
+#include "DimGeometryTestSupport.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -22,66 +24,18 @@
 namespace fs = std::filesystem;
 
 namespace {
+using namespace dimgeomtest;
 
 constexpr double kPi = std::numbers::pi;
 
-struct Prim {
-  std::string kind;
-  std::vector<OdGePoint3d> p;
-  double radius = 0, startAngle = 0, endAngle = 0, angle = 0;
-  std::string text;
-};
 
-std::vector<Prim> primitives(const OdDbObjectId& blockId) {
-  std::vector<Prim> out;
-  auto block = odOpen<OdDbBlockTableRecord>(blockId);
-  if (!block) return out;
-  for (const OdDbObjectId& id : block->entityIds()) {
-    OdDbObjectPtr o = id.openObject();
-    Prim pr;
-    pr.kind = std::string(o->dxfName());
-    if (auto l = OdDbLine::cast(o.get())) pr.p = {l->startPoint(), l->endPoint()};
-    if (auto a = OdDbArc::cast(o.get())) {
-      pr.p = {a->center()};
-      pr.radius = a->radius();
-      pr.startAngle = a->startAngle();
-      pr.endAngle = a->endAngle();
-    }
-    if (auto s = OdDbSolid::cast(o.get())) {
-      pr.p.resize(4);
-      for (int i = 0; i < 4; ++i) s->getPointAt(i, pr.p[static_cast<size_t>(i)]);
-    }
-    if (auto m = OdDbMText::cast(o.get())) {
-      pr.p = {m->location()};
-      pr.angle = m->rotation();
-      pr.text = odMTextPlainText(m->contents()).toUtf8();
-    }
-    if (auto pt = OdDbPoint::cast(o.get())) pr.p = {pt->position()};
-    out.push_back(pr);
-  }
-  return out;
-}
 
-std::string kinds(const std::vector<Prim>& v) {
-  std::string s;
-  for (const Prim& p : v) s += (s.empty() ? "" : " ") + p.kind;
-  return s;
-}
 
-double dist(const OdGePoint3d& a, const OdGePoint3d& b) { return std::hypot(a.x - b.x, a.y - b.y); }
 OdGePoint3d polar(double r, double a) { return {r * std::cos(a), r * std::sin(a), 0}; }
-
-#define EXPECT_AT(actual, x_, y_) \
-  EXPECT_LT(dist((actual), OdGePoint3d{(x_), (y_), 0}), 1e-9) << "at (" << (actual).x << ", " << (actual).y << ")"
 
 #define EXPECT_ANGLE(actual, expected) \
   EXPECT_LT(std::fabs(std::remainder((actual) - (expected), 2 * kPi)), 1e-9) << (actual) * 180 / kPi << " degrees"
 
-std::string exact(double v) {
-  char buf[32];
-  std::snprintf(buf, sizeof buf, "%.17g", v);
-  return buf;
-}
 
 // Sets the tag with `code` after the subclass marker `marker` (and the one after
 // it, its y).
@@ -99,13 +53,6 @@ void setPoint(OdDbDimension& d, const char* marker, int code, double x, double y
   FAIL() << "no " << code << " in " << marker;
 }
 
-// The first dimension of model space that is a `T`.
-template <class T>
-OdSmartPtr<T> first(OdDbDatabase& db) {
-  for (const OdDbObjectId& id : odOpen<OdDbBlockTableRecord>(db.getModelSpaceId())->entityIds())
-    if (auto d = odOpen<T>(id, OdDb::kForWrite)) return d;
-  return {};
-}
 
 // Both corners of a closed filled arrowhead's back lie a sixth of its length from
 // the point `back`, across the line from it to the tip.
@@ -155,7 +102,7 @@ TEST(DimGeometryAngular, ThreePointAngleWorkedOutByHand) {
     expectArrow(b[4], polar(20, kPi / 2), polar(20, kPi / 2 - back));
     // The text on the bisector, outside the arc (above it as it reads, at -45
     // degrees) by the gap and half its height.
-    EXPECT_EQ(b[5].text, "90°");
+    EXPECT_EQ(b[5].plain, "90°");
     EXPECT_ANGLE(b[5].angle, -kPi / 4);
     const double out = std::hypot(b[5].p[0].x, b[5].p[0].y);
     EXPECT_NEAR(b[5].p[0].x, b[5].p[0].y, 1e-9);

@@ -4,6 +4,8 @@
 // text).
 #include <gtest/gtest.h>
 
+#include "DimGeometryTestSupport.h"
+
 #include <cmath>
 #include <cstdio>
 #include <filesystem>
@@ -19,42 +21,11 @@
 namespace fs = std::filesystem;
 
 namespace {
+using namespace dimgeomtest;
 
-struct Prim {
-  std::string kind;
-  std::vector<OdGePoint3d> p;
-  double angle = 0;
-};
 
-std::vector<Prim> primitives(const OdDbObjectId& blockId) {
-  std::vector<Prim> out;
-  auto block = odOpen<OdDbBlockTableRecord>(blockId);
-  if (!block) return out;
-  for (const OdDbObjectId& id : block->entityIds()) {
-    OdDbObjectPtr o = id.openObject();
-    Prim pr;
-    pr.kind = std::string(o->dxfName());
-    if (auto l = OdDbLine::cast(o.get())) pr.p = {l->startPoint(), l->endPoint()};
-    if (auto m = OdDbMText::cast(o.get())) {
-      pr.p = {m->location()};
-      pr.angle = m->rotation();
-    }
-    if (auto pt = OdDbPoint::cast(o.get())) pr.p = {pt->position()};
-    out.push_back(pr);
-  }
-  return out;
-}
 
-std::string kinds(const std::vector<Prim>& v) {
-  std::string s;
-  for (const Prim& p : v) s += (s.empty() ? "" : " ") + p.kind;
-  return s;
-}
 
-double dist(const OdGePoint3d& a, const OdGePoint3d& b) { return std::hypot(a.x - b.x, a.y - b.y); }
-
-#define EXPECT_AT(actual, x_, y_) \
-  EXPECT_LT(dist((actual), OdGePoint3d{(x_), (y_), 0}), 1e-9) << "at (" << (actual).x << ", " << (actual).y << ")"
 
 std::vector<OdSmartPtr<OdDbOrdinateDimension>> ordinates(OdDbDatabase& db) {
   std::vector<OdSmartPtr<OdDbOrdinateDimension>> out;
@@ -63,11 +34,6 @@ std::vector<OdSmartPtr<OdDbOrdinateDimension>> ordinates(OdDbDatabase& db) {
   return out;
 }
 
-std::string exact(double v) {
-  char buf[32];
-  std::snprintf(buf, sizeof buf, "%.17g", v);
-  return buf;
-}
 
 // Sets the first tag with `code` (and the one after it, its y).
 void setPoint(OdDbDimension& d, int code, double x, double y) {

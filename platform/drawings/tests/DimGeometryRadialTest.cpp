@@ -4,6 +4,8 @@
 // centre marks and lines), and agreement with the blocks CAD programs saved.
 #include <gtest/gtest.h>
 
+#include "DimGeometryTestSupport.h"
+
 #include <algorithm>
 #include <cctype>
 #include <cmath>
@@ -23,61 +25,14 @@
 namespace fs = std::filesystem;
 
 namespace {
+using namespace dimgeomtest;
 
 constexpr double kPi = std::numbers::pi;
 
-struct Prim {
-  std::string kind;
-  std::vector<OdGePoint3d> p;
-  double angle = 0;
-  std::string text, block;
-};
 
-std::vector<Prim> primitives(const OdDbObjectId& blockId) {
-  std::vector<Prim> out;
-  auto block = odOpen<OdDbBlockTableRecord>(blockId);
-  if (!block) return out;
-  for (const OdDbObjectId& id : block->entityIds()) {
-    OdDbObjectPtr o = id.openObject();
-    Prim pr;
-    pr.kind = std::string(o->dxfName());
-    if (auto l = OdDbLine::cast(o.get())) pr.p = {l->startPoint(), l->endPoint()};
-    if (auto s = OdDbSolid::cast(o.get())) {
-      pr.p.resize(4);
-      for (int i = 0; i < 4; ++i) s->getPointAt(i, pr.p[static_cast<size_t>(i)]);
-    }
-    if (auto r = OdDbBlockReference::cast(o.get())) {
-      pr.p = {r->position()};
-      pr.angle = r->rotation();
-      pr.block = odOpen<OdDbBlockTableRecord>(r->blockTableRecord())->getName().toUtf8();
-    }
-    if (auto m = OdDbMText::cast(o.get())) {
-      pr.p = {m->location()};
-      pr.angle = m->rotation();
-      pr.text = m->contents().toUtf8();
-    }
-    if (auto pt = OdDbPoint::cast(o.get())) pr.p = {pt->position()};
-    out.push_back(pr);
-  }
-  return out;
-}
 
-std::string kinds(const std::vector<Prim>& v) {
-  std::string s;
-  for (const Prim& p : v) s += (s.empty() ? "" : " ") + p.kind;
-  return s;
-}
 
-double dist(const OdGePoint3d& a, const OdGePoint3d& b) { return std::hypot(a.x - b.x, a.y - b.y); }
 
-#define EXPECT_AT(actual, x_, y_) \
-  EXPECT_LT(dist((actual), OdGePoint3d{(x_), (y_), 0}), 1e-9) << "at (" << (actual).x << ", " << (actual).y << ")"
-
-std::string exact(double v) {
-  char buf[32];
-  std::snprintf(buf, sizeof buf, "%.17g", v);
-  return buf;
-}
 
 // Sets the first tag with `code` (and the one after it, its y).
 void setPoint(OdDbDimension& d, int code, double x, double y) {
@@ -99,12 +54,6 @@ void setUserText(OdDbDimension& d, bool user) {
     }
 }
 
-template <class T>
-OdSmartPtr<T> first(OdDbDatabase& db) {
-  for (const OdDbObjectId& id : odOpen<OdDbBlockTableRecord>(db.getModelSpaceId())->entityIds())
-    if (auto d = odOpen<T>(id, OdDb::kForWrite)) return d;
-  return {};
-}
 
 // A SOLID arrowhead's tip and the direction it points in.
 OdGePoint3d tipOf(const Prim& s) { return s.p[2]; }

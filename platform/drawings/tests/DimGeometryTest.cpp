@@ -3,6 +3,8 @@
 // and agreement with the blocks CAD programs saved in real drawings.
 #include <gtest/gtest.h>
 
+#include "DimGeometryTestSupport.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
@@ -23,66 +25,13 @@
 namespace fs = std::filesystem;
 
 namespace {
+using namespace dimgeomtest;
 
 constexpr double kPi = std::numbers::pi;
 
-// One entity of a dimension block, as a reader sees it.
-struct Prim {
-  std::string kind;
-  std::vector<OdGePoint3d> p;
-  std::string block, layer;
-  double scale = 0, angle = 0, height = 0;
-  std::string text;
-};
 
-std::vector<Prim> primitives(const OdDbObjectId& blockId) {
-  std::vector<Prim> out;
-  auto block = odOpen<OdDbBlockTableRecord>(blockId);
-  if (!block) return out;
-  for (const OdDbObjectId& id : block->entityIds()) {
-    OdDbObjectPtr o = id.openObject();
-    Prim pr;
-    pr.kind = std::string(o->dxfName());
-    pr.layer = OdDbEntity::cast(o.get())->layer().toUtf8();
-    if (auto l = OdDbLine::cast(o.get())) pr.p = {l->startPoint(), l->endPoint()};
-    if (auto s = OdDbSolid::cast(o.get())) {
-      pr.p.resize(4);
-      for (int i = 0; i < 4; ++i) s->getPointAt(i, pr.p[static_cast<size_t>(i)]);
-    }
-    if (auto r = OdDbBlockReference::cast(o.get())) {
-      pr.p = {r->position()};
-      pr.scale = r->scaleFactors().sx;
-      pr.angle = r->rotation();
-      pr.block = odOpen<OdDbBlockTableRecord>(r->blockTableRecord())->getName().toUtf8();
-    }
-    if (auto m = OdDbMText::cast(o.get())) {
-      pr.p = {m->location()};
-      pr.angle = m->rotation();
-      pr.height = m->textHeight();
-      pr.text = m->contents().toUtf8();
-    }
-    if (auto t = OdDbText::cast(o.get())) {
-      pr.p = {t->position()};
-      pr.angle = t->rotation();
-      pr.height = t->height();
-      pr.text = t->textString().toUtf8();
-    }
-    if (auto pt = OdDbPoint::cast(o.get())) pr.p = {pt->position()};
-    out.push_back(pr);
-  }
-  return out;
-}
 
-std::string kinds(const std::vector<Prim>& v) {
-  std::string s;
-  for (const Prim& p : v) s += (s.empty() ? "" : " ") + p.kind;
-  return s;
-}
 
-double dist(const OdGePoint3d& a, const OdGePoint3d& b) { return std::hypot(a.x - b.x, a.y - b.y); }
-
-#define EXPECT_AT(actual, x_, y_) \
-  EXPECT_LT(dist((actual), OdGePoint3d{(x_), (y_), 0}), 1e-9) << "at (" << (actual).x << ", " << (actual).y << ")"
 
 OdSmartPtr<OdDbRotatedDimension> addRotated(OdDbDatabase& db, OdGePoint3d p1, OdGePoint3d p2, OdGePoint3d onLine,
                                             double rotation = 0.0) {
