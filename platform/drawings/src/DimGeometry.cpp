@@ -660,4 +660,71 @@ double readable(double a) {
   return a;
 }
 
+Props propsOf(const OdCmColor& color, OdDb::LineWeight lineWeight, const OdDbObjectId& linetype) {
+  Props p;
+  p.color = color;
+  p.lineWeight = lineWeight;
+  p.linetype = linetype;
+  return p;
+}
+
+Item lineItem(Vec a, Vec b, const Props& props) {
+  Item it;
+  it.kind = ItemKind::Line;
+  it.p[0] = a;
+  it.p[1] = b;
+  it.props = props;
+  return it;
+}
+
+Item arrowItem(const Arrow& arrow, Vec tip, Vec dir, Vec side, double size, const Props& props) {
+  Item it;
+  it.props = props;
+  if (arrow.block.isNull()) {
+    const Vec base = tip - dir * size;
+    it.kind = ItemKind::Solid;
+    it.p[0] = base + side * (size / 6);
+    it.p[1] = base - side * (size / 6);
+    it.p[2] = tip;
+    it.p[3] = tip;
+    it.props.linetype = OdDbObjectId();
+  } else {
+    it.kind = ItemKind::Arrow;
+    it.p[0] = tip;
+    it.block = arrow.block;
+    it.scale = size;
+    it.angle = dir.angle();
+  }
+  return it;
+}
+
+Item textItem(Vec at, double angle, const OdString& contents, double height, const OdDbObjectId& textStyle,
+              const OdCmColor& color) {
+  Item it;
+  it.kind = ItemKind::Text;
+  it.p[0] = at;
+  it.angle = angle;
+  it.contents = contents;
+  it.height = height;
+  it.textStyle = textStyle;
+  it.props.color = color;
+  return it;
+}
+
+Item pointItem(Vec at) {
+  Item it;
+  it.kind = ItemKind::Point;
+  it.p[0] = at;
+  it.props.color.setColorIndex(0);
+  return it;
+}
+
+void appendFrame(std::vector<Item>& items, Vec centre, Vec along, double halfAlong, double halfAcross,
+                 const Props& props) {
+  const Vec across = along.left();
+  const Vec corner[4] = {centre - along * halfAlong - across * halfAcross, centre + along * halfAlong - across * halfAcross,
+                         centre + along * halfAlong + across * halfAcross, centre - along * halfAlong + across * halfAcross};
+  for (int i = 0; i < 4; ++i) items.push_back(lineItem(corner[i], corner[(i + 1) % 4], props));
+}
+
 }  // namespace dimgeom

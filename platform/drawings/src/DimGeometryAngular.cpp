@@ -71,13 +71,6 @@ struct Vars {
   }
 };
 
-Props propsOf(const OdCmColor& c, OdDb::LineWeight lw, const OdDbObjectId& lt) {
-  Props p;
-  p.color = c;
-  p.lineWeight = lw;
-  p.linetype = lt;
-  return p;
-}
 
 // What is measured, reduced to the same shape for every kind: the sector from
 // `start` counter-clockwise through `sweep` about `centre`, and on each bounding
@@ -422,24 +415,7 @@ BlockContents computeAngular(const OdDbDimension& dim) {
     const double sense = (first ? 1.0 : -1.0) * (arrowsInside ? 1.0 : -1.0);
     Vec dir = (tip - onArc(at + sense * len)).unit();
     if (a.atTip) dir = Vec::polar(at).left() * -sense;
-    Item it;
-    it.props = dimProps;
-    if (a.block.isNull()) {
-      const Vec base = tip - dir * v.asz, side = dir.left();
-      it.kind = ItemKind::Solid;
-      it.p[0] = base + side * (v.asz / 6);
-      it.p[1] = base - side * (v.asz / 6);
-      it.p[2] = tip;
-      it.p[3] = tip;
-      it.props.linetype = OdDbObjectId();
-    } else {
-      it.kind = ItemKind::Arrow;
-      it.p[0] = tip;
-      it.block = a.block;
-      it.scale = v.asz;
-      it.angle = dir.angle();
-    }
-    items.push_back(it);
+    items.push_back(arrowItem(a, tip, dir, dir.left(), v.asz, dimProps));
   };
   if (arrowsShown) {
     arrow(s.startsOnFirst ? v.arrow1 : v.arrow2, s.start, true);
@@ -448,37 +424,10 @@ BlockContents computeAngular(const OdDbDimension& dim) {
 
   // ---- text and definition points ----
   if (hasText) {
-    Item it;
-    it.kind = ItemKind::Text;
-    it.p[0] = textAt;
-    it.angle = textAngle;
-    it.contents = contents;
-    it.height = height;
-    it.textStyle = v.txsty;
-    it.props.color = v.clrt;
-    items.push_back(it);
-    if (v.gap < 0) {
-      const double fw = ext.width / 2 + gap, fh = ext.height / 2 + gap;
-      const Vec corner[4] = {textAt - tx * fw - ty * fh, textAt + tx * fw - ty * fh, textAt + tx * fw + ty * fh,
-                             textAt - tx * fw + ty * fh};
-      for (int i = 0; i < 4; ++i) {
-        Item line;
-        line.kind = ItemKind::Line;
-        line.p[0] = corner[i];
-        line.p[1] = corner[(i + 1) % 4];
-        line.props = dimProps;
-        items.push_back(line);
-      }
-    }
+    items.push_back(textItem(textAt, textAngle, contents, height, v.txsty, v.clrt));
+    if (v.gap < 0) appendFrame(items, textAt, tx, ext.width / 2 + gap, ext.height / 2 + gap, dimProps);
   }
-  auto point = [&](Vec at) {
-    Item it;
-    it.kind = ItemKind::Point;
-    it.p[0] = at;
-    it.props.color.setColorIndex(0);
-    items.push_back(it);
-  };
-  for (const Vec& m : s.marks) point(m);
+  for (const Vec& m : s.marks) items.push_back(pointItem(m));
   return out;
 }
 

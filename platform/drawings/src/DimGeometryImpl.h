@@ -70,6 +70,20 @@ struct BlockContents {
   double measurement = 0.0;  // code 42: the measured length after DIMLFAC
 };
 
+// The block's items, built alike for every kind of dimension.
+Props propsOf(const OdCmColor& color, OdDb::LineWeight lineWeight, const OdDbObjectId& linetype);
+Item lineItem(Vec a, Vec b, const Props& props);
+// An arrowhead of `size` with its tip at `tip`, pointing along `dir`: a SOLID for
+// the closed filled arrow (its corners start on `side`), else an insert of the block.
+Item arrowItem(const Arrow& arrow, Vec tip, Vec dir, Vec side, double size, const Props& props);
+Item textItem(Vec at, double angle, const OdString& contents, double height, const OdDbObjectId& textStyle,
+              const OdCmColor& color);
+// A definition point (the writer puts it on the Defpoints layer).
+Item pointItem(Vec at);
+// The frame a negative DIMGAP draws: four lines around `centre`, `halfAlong` along
+// `along` and `halfAcross` across it.
+void appendFrame(std::vector<Item>& items, Vec centre, Vec along, double halfAlong, double halfAcross, const Props& props);
+
 // ---- text measurement ----
 
 // Extents of dimension text, in drawing units, before any rotation.

@@ -94,66 +94,19 @@ class Builder {
 public:
   explicit Builder(const Vars& v) : m_v(v) {}
 
-  void line(Vec a, Vec b, const Props& props) {
-    Item it;
-    it.kind = ItemKind::Line;
-    it.p[0] = a;
-    it.p[1] = b;
-    it.props = props;
-    m_out.items.push_back(it);
-  }
+  void line(Vec a, Vec b, const Props& props) { m_out.items.push_back(lineItem(a, b, props)); }
 
   // An arrowhead with its tip at `tip`, pointing along `dir`. A SOLID's corners
   // start on `side`: the left of the direction the text reads in, for both ends.
   void arrow(const Arrow& a, Vec tip, Vec dir, Vec side) {
-    Item it;
-    it.props = lineProps(m_v.clrd, m_v.lwd, OdDbObjectId());
-    if (a.block.isNull()) {
-      const Vec base = tip - dir * m_v.asz;
-      const double half = m_v.asz / 6;
-      it.kind = ItemKind::Solid;
-      it.p[0] = base + side * half;
-      it.p[1] = base - side * half;
-      it.p[2] = tip;
-      it.p[3] = tip;
-      it.props.linetype = OdDbObjectId();
-    } else {
-      it.kind = ItemKind::Arrow;
-      it.p[0] = tip;
-      it.block = a.block;
-      it.scale = m_v.asz;
-      it.angle = dir.angle();
-    }
-    m_out.items.push_back(it);
+    m_out.items.push_back(arrowItem(a, tip, dir, side, m_v.asz, propsOf(m_v.clrd, m_v.lwd, OdDbObjectId())));
   }
 
   void text(Vec at, double angle, const OdString& contents, double height) {
-    Item it;
-    it.kind = ItemKind::Text;
-    it.p[0] = at;
-    it.angle = angle;
-    it.contents = contents;
-    it.height = height;
-    it.textStyle = m_v.txsty;
-    it.props.color = m_v.clrt;
-    m_out.items.push_back(it);
+    m_out.items.push_back(textItem(at, angle, contents, height, m_v.txsty, m_v.clrt));
   }
 
-  void point(Vec at) {
-    Item it;
-    it.kind = ItemKind::Point;
-    it.p[0] = at;
-    it.props.color.setColorIndex(0);
-    m_out.items.push_back(it);
-  }
-
-  static Props lineProps(const OdCmColor& c, OdDb::LineWeight lw, const OdDbObjectId& lt) {
-    Props p;
-    p.color = c;
-    p.lineWeight = lw;
-    p.linetype = lt;
-    return p;
-  }
+  void point(Vec at) { m_out.items.push_back(pointItem(at)); }
 
   BlockContents& out() { return m_out; }
 
@@ -312,14 +265,14 @@ BlockContents computeLinear(const OdDbAlignedDimension& dim) {
       if ((fixedStart - p).dot(e) > v.exo) start = fixedStart;
     }
     const Vec end = d + e * v.exe;
-    if ((end - start).length() > 1e-9 * std::max(1.0, v.exe)) b.line(start, end, Builder::lineProps(v.clre, v.lwe, lt));
+    if ((end - start).length() > 1e-9 * std::max(1.0, v.exe)) b.line(start, end, propsOf(v.clre, v.lwe, lt));
   };
   extension(p1, d1, v.se1, v.ltex1);
   extension(p2, d2, v.se2, v.ltex2);
 
   // ---- dimension line ----
   // Positions along the line are measured from d1 towards d2.
-  const Props dimProps = Builder::lineProps(v.clrd, v.lwd, v.ltype);
+  const Props dimProps = propsOf(v.clrd, v.lwd, v.ltype);
   const double textCentre = (textAt - d1).dot(t);
   const bool textOnLine = hasText && v.tad == 0 && std::fabs((textAt - d1).dot(n)) < std::max(ext.height, v.txt) / 2;
   const double textHalfGap = hasText ? halfChord(ext.width + 2 * gap, ext.height + 2 * gap, textAngle, t.angle()) : 0;
@@ -402,13 +355,8 @@ BlockContents computeLinear(const OdDbAlignedDimension& dim) {
 
   // ---- text and definition points ----
   if (hasText && !textFirst) b.text(textAt, textAngle, contents, height);
-  if (hasText && framed) {
-    const Vec along = Vec::polar(textAngle), across = along.left();
-    const double hw = ext.width / 2 + gap, hh = ext.height / 2 + gap;
-    const Vec corner[4] = {textAt - along * hw - across * hh, textAt + along * hw - across * hh,
-                           textAt + along * hw + across * hh, textAt - along * hw + across * hh};
-    for (int i = 0; i < 4; ++i) b.line(corner[i], corner[(i + 1) % 4], dimProps);
-  }
+  if (hasText && framed)
+    appendFrame(out.items, textAt, Vec::polar(textAngle), ext.width / 2 + gap, ext.height / 2 + gap, dimProps);
   b.point(p1);
   b.point(p2);
   b.point(d2);

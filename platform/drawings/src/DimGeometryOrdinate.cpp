@@ -29,13 +29,6 @@ double halfShadow(double w, double h, double boxAngle, double dirAngle) {
   return (w * c + h * s) / 2;
 }
 
-Props props(const OdCmColor& c, OdDb::LineWeight lw, const OdDbObjectId& lt) {
-  Props p;
-  p.color = c;
-  p.lineWeight = lw;
-  p.linetype = lt;
-  return p;
-}
 
 }  // namespace
 
@@ -83,7 +76,7 @@ BlockContents computeOrdinate(const OdDbOrdinateDimension& dim) {
   out.textPosition = textAt;
 
   // ---- the leader ----
-  const Props lp = props(v.dimclre(), v.dimlwe(), v.dimltex1());
+  const Props lp = propsOf(v.dimclre(), v.dimlwe(), v.dimltex1());
   auto line = [&](Vec a, Vec b) {
     if ((b - a).length() <= 1e-12) return;
     Item it;
@@ -110,38 +103,12 @@ BlockContents computeOrdinate(const OdDbOrdinateDimension& dim) {
 
   // ---- text, its frame and the definition points ----
   if (hasText) {
-    Item it;
-    it.kind = ItemKind::Text;
-    it.p[0] = textAt;
-    it.angle = textAngle;
-    it.contents = contents;
-    it.height = height;
-    it.textStyle = v.dimtxsty();
-    it.props.color = v.dimclrt();
-    out.items.push_back(it);
-    if (framed) {
-      const Vec along = Vec::polar(textAngle), side = along.left();
-      const double hw = ext.width / 2 + gap, hh = ext.height / 2 + gap;
-      const Vec corner[4] = {textAt - along * hw - side * hh, textAt + along * hw - side * hh,
-                             textAt + along * hw + side * hh, textAt - along * hw + side * hh};
-      const Props fp = props(v.dimclrd(), v.dimlwd(), v.dimltype());
-      for (int i = 0; i < 4; ++i) {
-        Item f;
-        f.kind = ItemKind::Line;
-        f.p[0] = corner[i];
-        f.p[1] = corner[(i + 1) % 4];
-        f.props = fp;
-        out.items.push_back(f);
-      }
-    }
+    out.items.push_back(textItem(textAt, textAngle, contents, height, v.dimtxsty(), v.dimclrt()));
+    if (framed)
+      appendFrame(out.items, textAt, Vec::polar(textAngle), ext.width / 2 + gap, ext.height / 2 + gap,
+                  propsOf(v.dimclrd(), v.dimlwd(), v.dimltype()));
   }
-  for (Vec p : {feature, end, origin}) {
-    Item it;
-    it.kind = ItemKind::Point;
-    it.p[0] = p;
-    it.props.color.setColorIndex(0);
-    out.items.push_back(it);
-  }
+  for (Vec p : {feature, end, origin}) out.items.push_back(pointItem(p));
   return out;
 }
 

@@ -82,71 +82,24 @@ public:
 
   void line(Vec a, Vec b, const Props& props) {
     if ((b - a).length() <= 1e-12) return;
-    Item it;
-    it.kind = ItemKind::Line;
-    it.p[0] = a;
-    it.p[1] = b;
-    it.props = props;
-    m_out.items.push_back(it);
+    m_out.items.push_back(lineItem(a, b, props));
   }
 
   // An arrowhead with its tip at `tip`, pointing along `dir`.
   void arrow(const Arrow& a, Vec tip, Vec dir) {
-    Item it;
-    it.props = dimProps();
-    if (a.block.isNull()) {
-      const Vec base = tip - dir * m_v.asz, side = dir.left();
-      it.kind = ItemKind::Solid;
-      it.p[0] = base + side * (m_v.asz / 6);
-      it.p[1] = base - side * (m_v.asz / 6);
-      it.p[2] = tip;
-      it.p[3] = tip;
-      it.props.linetype = OdDbObjectId();
-    } else {
-      it.kind = ItemKind::Arrow;
-      it.p[0] = tip;
-      it.block = a.block;
-      it.scale = m_v.asz;
-      it.angle = dir.angle();
-    }
-    m_out.items.push_back(it);
+    m_out.items.push_back(arrowItem(a, tip, dir, dir.left(), m_v.asz, dimProps()));
   }
 
   void text(Vec at, double angle, const OdString& contents, double height) {
-    Item it;
-    it.kind = ItemKind::Text;
-    it.p[0] = at;
-    it.angle = angle;
-    it.contents = contents;
-    it.height = height;
-    it.textStyle = m_v.txsty;
-    it.props.color = m_v.clrt;
-    m_out.items.push_back(it);
+    m_out.items.push_back(textItem(at, angle, contents, height, m_v.txsty, m_v.clrt));
   }
 
-  void point(Vec at) {
-    Item it;
-    it.kind = ItemKind::Point;
-    it.p[0] = at;
-    it.props.color.setColorIndex(0);
-    m_out.items.push_back(it);
-  }
+  void point(Vec at) { m_out.items.push_back(pointItem(at)); }
 
-  Props dimProps() const {
-    Props p;
-    p.color = m_v.clrd;
-    p.lineWeight = m_v.lwd;
-    p.linetype = m_v.ltype;
-    return p;
-  }
+  Props dimProps() const { return propsOf(m_v.clrd, m_v.lwd, m_v.ltype); }
 
   // Centre marks take the extension lines' colour and weight.
-  Props markProps() const {
-    Props p;
-    p.color = m_v.clre;
-    p.lineWeight = m_v.lwe;
-    return p;
-  }
+  Props markProps() const { return propsOf(m_v.clre, m_v.lwe, OdDbObjectId()); }
 
   BlockContents& out() { return m_out; }
 
