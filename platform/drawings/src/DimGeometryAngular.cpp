@@ -26,50 +26,7 @@ double normal(double a) {
 
 
 
-struct Vars {
-  double scale, asz, exo, exe, gap, txt, tvp;
-  int tad, atfit;
-  bool tih, toh, tix, soxd, tofl, se1, se2;
-  Arrow arrow1, arrow2;
-  OdCmColor clrd, clre, clrt;
-  OdDb::LineWeight lwd, lwe;
-  OdDbObjectId ltype, ltex1, ltex2, txsty;
-
-  explicit Vars(const OdDbDimension& d) {
-    scale = d.dimscale();
-    if (scale <= 0.0) scale = 1.0;  // 0 scales to a paper-space viewport, which a block cannot know
-    asz = d.dimasz() * scale;
-    exo = d.dimexo() * scale;
-    exe = d.dimexe() * scale;
-    gap = d.dimgap() * scale;
-    txt = d.dimtxt() * scale;
-    tvp = d.dimtvp();
-    tad = d.dimtad();
-    atfit = d.dimatfit();
-    tih = d.dimtih();
-    toh = d.dimtoh();
-    tix = d.dimtix();
-    soxd = d.dimsoxd();
-    tofl = d.dimtofl();
-    se1 = d.dimse1();
-    se2 = d.dimse2();
-    if (d.dimsah()) {
-      arrow1 = arrowOf(d.dimblk1());
-      arrow2 = arrowOf(d.dimblk2());
-    } else {
-      arrow1 = arrow2 = arrowOf(d.dimblk());
-    }
-    clrd = d.dimclrd();
-    clre = d.dimclre();
-    clrt = d.dimclrt();
-    lwd = d.dimlwd();
-    lwe = d.dimlwe();
-    ltype = d.dimltype();
-    ltex1 = d.dimltex1();
-    ltex2 = d.dimltex2();
-    txsty = d.dimtxsty();
-  }
-};
+using Vars = DimVars;
 
 
 // What is measured, reduced to the same shape for every kind: the sector from

@@ -19,59 +19,7 @@ constexpr double kPi = std::numbers::pi;
 
 
 
-// The dimension variables that the geometry uses, read once.
-struct Vars {
-  double scale, asz, exo, exe, gap, txt, dle, tvp, fxl, lfac;
-  int tad, just, atfit, tmove;
-  bool tih, toh, tix, soxd, tofl, se1, se2, sd1, sd2, fxlon;
-  Arrow arrow1, arrow2;
-  OdCmColor clrd, clre, clrt;
-  OdDb::LineWeight lwd, lwe;
-  OdDbObjectId ltype, ltex1, ltex2, txsty;
-
-  explicit Vars(const OdDimVarSource& d) {
-    scale = d.dimscale();
-    if (scale <= 0.0) scale = 1.0;  // 0 scales to a paper-space viewport, which a block cannot know
-    asz = d.dimasz() * scale;
-    exo = d.dimexo() * scale;
-    exe = d.dimexe() * scale;
-    gap = d.dimgap() * scale;
-    txt = d.dimtxt() * scale;
-    dle = d.dimdle() * scale;
-    tvp = d.dimtvp();
-    fxl = d.dimfxl() * scale;
-    lfac = d.dimlfac();
-    tad = d.dimtad();
-    just = d.dimjust();
-    atfit = d.dimatfit();
-    tmove = d.dimtmove();
-    tih = d.dimtih();
-    toh = d.dimtoh();
-    tix = d.dimtix();
-    soxd = d.dimsoxd();
-    tofl = d.dimtofl();
-    se1 = d.dimse1();
-    se2 = d.dimse2();
-    sd1 = d.dimsd1();
-    sd2 = d.dimsd2();
-    fxlon = d.dimfxlon();
-    if (d.dimsah()) {
-      arrow1 = arrowOf(d.dimblk1());
-      arrow2 = arrowOf(d.dimblk2());
-    } else {
-      arrow1 = arrow2 = arrowOf(d.dimblk());
-    }
-    clrd = d.dimclrd();
-    clre = d.dimclre();
-    clrt = d.dimclrt();
-    lwd = d.dimlwd();
-    lwe = d.dimlwe();
-    ltype = d.dimltype();
-    ltex1 = d.dimltex1();
-    ltex2 = d.dimltex2();
-    txsty = d.dimtxsty();
-  }
-};
+using Vars = DimVars;
 
 
 // Half the length of the line through the middle of a w x h box turned by

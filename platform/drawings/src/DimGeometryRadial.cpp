@@ -30,48 +30,18 @@ constexpr double kPi = std::numbers::pi;
 
 
 
-// The dimension variables this layout reads, scaled by DIMSCALE where they are sizes.
-struct Vars {
-  double scale, asz, gap, txt, tvp, cen, lfac, jogang;
-  bool framed;  // a negative DIMGAP: a frame that far around the text
-  int tad, tmove;
-  bool tih, toh, tix, tofl;
+// The dimension variables this layout reads: the gap as a distance, with the
+// frame a negative one asks for apart, and the arrowheads by where they sit.
+struct Vars : DimVars {
+  bool framed;
   Arrow chordArrow, farArrow;  // at the chord point and at a diameter's far chord point
-  OdCmColor clrd, clre, clrt;
-  OdDb::LineWeight lwd, lwe;
-  OdDbObjectId ltype, txsty;
 
-  explicit Vars(const OdDbDimension& d) {
-    scale = d.dimscale();
-    if (scale <= 0.0) scale = 1.0;  // 0 scales to a paper-space viewport, which a block cannot know
-    asz = d.dimasz() * scale;
-    gap = std::fabs(d.dimgap() * scale);
-    framed = d.dimgap() < 0;
-    txt = d.dimtxt() * scale;
-    tvp = d.dimtvp();
-    cen = d.dimcen() * scale;
-    lfac = d.dimlfac();
-    jogang = d.dimjogang();
-    tad = d.dimtad();
-    tmove = d.dimtmove();
-    tih = d.dimtih();
-    toh = d.dimtoh();
-    tix = d.dimtix();
-    tofl = d.dimtofl();
-    if (d.dimsah()) {
-      // The arrowhead on the circle is the second one.
-      chordArrow = arrowOf(d.dimblk2());
-      farArrow = arrowOf(d.dimblk1());
-    } else {
-      chordArrow = farArrow = arrowOf(d.dimblk());
-    }
-    clrd = d.dimclrd();
-    clre = d.dimclre();
-    clrt = d.dimclrt();
-    lwd = d.dimlwd();
-    lwe = d.dimlwe();
-    ltype = d.dimltype();
-    txsty = d.dimtxsty();
+  explicit Vars(const OdDimVarSource& d) : DimVars(d) {
+    framed = gap < 0;
+    gap = std::fabs(gap);
+    // With separate arrowheads the one on the circle is the second.
+    chordArrow = arrow2;
+    farArrow = arrow1;
   }
 };
 
