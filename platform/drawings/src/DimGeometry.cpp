@@ -727,4 +727,31 @@ void appendFrame(std::vector<Item>& items, Vec centre, Vec along, double halfAlo
   for (int i = 0; i < 4; ++i) items.push_back(lineItem(corner[i], corner[(i + 1) % 4], props));
 }
 
+Fit fitBoth(const DimVars& v, double room, double textNeed, double arrowsNeed) {
+  Fit f;
+  if (room >= textNeed + arrowsNeed) return f;
+  const bool textFits = room >= textNeed, arrowsFit = room >= arrowsNeed;
+  switch (v.atfit) {
+    case 0: f.textInside = f.arrowsInside = false; break;
+    case 1:  // arrowheads go first
+      f.arrowsInside = false;
+      f.textInside = textFits;
+      break;
+    case 2:  // the text goes first
+      f.textInside = false;
+      f.arrowsInside = arrowsFit;
+      break;
+    default:  // whichever fits best
+      if (textFits) f.arrowsInside = false;
+      else if (arrowsFit) f.textInside = false;
+      else f.textInside = f.arrowsInside = false;
+  }
+  if (v.tix) {
+    // Text kept inside: the arrowheads give way.
+    f.textInside = true;
+    f.arrowsInside = false;
+  }
+  return f;
+}
+
 }  // namespace dimgeom

@@ -228,21 +228,10 @@ BlockContents computeAngular(const OdDbDimension& dim) {
   const double arrowsNeed = 2 * v.asz;
   bool textInside = true, arrowsInside = true;
   if (!hasText) arrowsInside = arcLen >= arrowsNeed;
-  else if (arcLen < textNeed + arrowsNeed) {
-    const bool textFits = arcLen >= textNeed, arrowsFit = arcLen >= arrowsNeed;
-    switch (v.atfit) {
-      case 0: textInside = arrowsInside = false; break;
-      case 1: arrowsInside = false; textInside = textFits; break;
-      case 2: textInside = false; arrowsInside = arrowsFit; break;
-      default:
-        if (textFits) arrowsInside = false;
-        else if (arrowsFit) textInside = false;
-        else textInside = arrowsInside = false;
-    }
-    if (v.tix) {
-      textInside = true;
-      arrowsInside = false;
-    }
+  else {
+    const Fit f = fitBoth(v, arcLen, textNeed, arrowsNeed);
+    textInside = f.textInside;
+    arrowsInside = f.arrowsInside;
   }
   if (userText) textInside = true;
   const bool arrowsShown = arrowsInside || !v.soxd;

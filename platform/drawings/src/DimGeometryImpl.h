@@ -128,6 +128,13 @@ struct BlockContents {
   double measurement = 0.0;  // code 42: the measured length after DIMLFAC
 };
 
+// Where text and arrowheads go when `room` along the dimension line is short of
+// what both need (DIMATFIT, DIMTIX); unchanged (both inside) when they fit.
+struct Fit {
+  bool textInside = true, arrowsInside = true;
+};
+Fit fitBoth(const DimVars& v, double room, double textNeed, double arrowsNeed);
+
 // The block's items, built alike for every kind of dimension.
 Props propsOf(const OdCmColor& color, OdDb::LineWeight lineWeight, const OdDbObjectId& linetype);
 Item lineItem(Vec a, Vec b, const Props& props);

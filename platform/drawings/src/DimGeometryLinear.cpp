@@ -133,28 +133,10 @@ BlockContents computeLinear(const OdDbAlignedDimension& dim) {
     arrowsInside = span >= (v.arrow1.atTip ? v.asz / 2 : v.asz) + (v.arrow2.atTip ? v.asz / 2 : v.asz);
   } else if (!hasText) {
     arrowsInside = span >= arrowsNeed;
-  } else if (span < textNeed + arrowsNeed) {
-    const bool textFits = span >= textNeed, arrowsFit = span >= arrowsNeed;
-    switch (v.atfit) {
-      case 0: textInside = arrowsInside = false; break;
-      case 1:  // arrowheads go first
-        arrowsInside = false;
-        textInside = textFits;
-        break;
-      case 2:  // the text goes first
-        textInside = false;
-        arrowsInside = arrowsFit;
-        break;
-      default:  // whichever fits best
-        if (textFits) arrowsInside = false;
-        else if (arrowsFit) textInside = false;
-        else textInside = arrowsInside = false;
-    }
-    if (v.tix) {
-      // Text kept inside: the arrowheads give way.
-      textInside = true;
-      arrowsInside = false;
-    }
+  } else {
+    const Fit f = fitBoth(v, span, textNeed, arrowsNeed);
+    textInside = f.textInside;
+    arrowsInside = f.arrowsInside;
   }
   if (userText) textInside = userBetween;
   // Arrowheads that would go outside are left out altogether (DIMSOXD).
