@@ -6,6 +6,7 @@
 #include <numbers>
 #include <string>
 
+#include "DimBlockWriter.h"
 #include "DimGeometryImpl.h"
 #include "drawings/OdDmUtil.h"
 #include "EntityTags.h"
@@ -407,180 +408,6 @@ using namespace dimgeom;
 
 constexpr int kDimensionOrder[] = {280, 2, 10, 11, 12, 70, 71, 72, 41, 42, 73, 74, 75, 1, 53, 51, 210, 3};
 const DxfSubclass kDimension{"AcDbDimension", kDimensionOrder};
-constexpr int kTextOrder[] = {10, 20, 30, 40, 1, 50, 41, 51, 7, 71, 72, 11, 21, 31, 73};
-const DxfSubclass kText{"AcDbText", kTextOrder};
-constexpr int kMTextOrder[] = {10, 20, 30, 40, 41, 46, 71, 72, 1, 3, 7, 11, 21, 31, 73, 44};
-const DxfSubclass kMText{"AcDbMText", kMTextOrder};
-
-// Where the definition points go: the drawing's "Defpoints" layer, made when missing
-// (as a copy of layer 0 that does not plot).
-OdString defpointsLayer(OdDbDatabase& db) {
-  auto layers = odOpen<OdDbLayerTable>(db.getLayerTableId(), OdDb::kForWrite);
-  if (!layers) return L"Defpoints";
-  if (OdDbObjectId id = layers->getAt(L"Defpoints"); !id.isNull())
-    return odOpen<OdDbLayerTableRecord>(id)->getName();
-  const OdString name = db.extendedNames() ? OdString(L"Defpoints") : OdString(L"DEFPOINTS");
-  auto zero = odOpen<OdDbLayerTableRecord>(layers->getAt(L"0"));
-  OdSmartPtr<OdDbLayerTableRecord> record = OdDbLayerTableRecord::createObject();
-  record->setDxfName("LAYER");
-  DxfTagList& t = record->tagsForWrite();
-  if (zero) {
-    for (const DxfTag& tag : zero->tags())
-      if (tag.code != 5 && tag.code != 330 && tag.code != 102 && tag.code < 1000) t.push_back(tag);
-    // Drop the contents of 102 groups (reactors, extension dictionaries).
-    DxfTagList kept;
-    for (const DxfTag& tag : t)
-      if (!(tag.code == 360 || tag.code == 347)) kept.push_back(tag);
-    t = kept;
-  } else {
-    t = {DxfTag(0, "LAYER"), DxfTag(2, "0"), DxfTag(70, "0"), DxfTag(62, "7"), DxfTag(6, "CONTINUOUS")};
-  }
-  for (DxfTag& tag : t) {
-    if (tag.code == 2) tag.set(db.codec().encode(name.view()));
-    if (tag.code == 62 && tag.toInt() < 0) tag.set(std::to_string(-tag.toInt()));  // on
-  }
-  if (db.version() >= DxfVersion::R2000) {
-    auto at = std::find_if(t.begin(), t.end(), [](const DxfTag& x) { return x.code == 290; });
-    if (at != t.end()) at->set("0");
-    else {
-      auto after = std::find_if(t.begin(), t.end(), [](const DxfTag& x) { return x.code == 370; });
-      t.insert(after, DxfTag(290, "0"));
-    }
-  }
-  layers->add(record.get());
-  return name;
-}
-
-double cleanDegrees(double radians) {
-  double d = std::fmod(radians * 180.0 / std::numbers::pi, 360.0);
-  if (d < 0) d += 360.0;
-  if (std::fabs(d - std::round(d)) < 1e-9) d = std::round(d);
-  if (d >= 360.0) d -= 360.0;
-  return d;
-}
-
-class BlockWriter {
-public:
-  BlockWriter(OdDbDatabase& db, OdDbBlockTableRecord& block, const OdDbDimension& dim)
-      : m_db(db), m_block(block), m_layer(dim.layer()), m_linetype(dim.linetype()), m_version(db.version()) {}
-
-  void write(const Item& it) {
-    switch (it.kind) {
-      case ItemKind::Line: {
-        auto e = OdDbLine::createFor(m_db);
-        e->setStartPoint(it.p[0].point());
-        e->setEndPoint(it.p[1].point());
-        append(*e, it.props, true);
-        break;
-      }
-      case ItemKind::Arc: {
-        auto e = OdDbArc::createFor(m_db);
-        e->setCenter(it.p[0].point());
-        e->setRadius(it.radius);
-        e->setStartAngle(it.startAngle);
-        e->setEndAngle(it.endAngle);
-        append(*e, it.props, true);
-        break;
-      }
-      case ItemKind::Solid: {
-        auto e = OdDbSolid::createFor(m_db);
-        for (int i = 0; i < 4; ++i) e->setPointAt(i, it.p[i].point());
-        append(*e, it.props, false);
-        break;
-      }
-      case ItemKind::Arrow: {
-        auto e = OdDbBlockReference::createFor(m_db);
-        e->setBlockTableRecord(it.block);
-        e->setPosition(it.p[0].point());
-        e->setScaleFactors({it.scale, it.scale, it.scale});
-        e->setRotation(cleanDegrees(it.angle) * std::numbers::pi / 180.0);
-        append(*e, it.props, true);
-        break;
-      }
-      case ItemKind::Text:
-        if (m_version >= DxfVersion::R13) writeMText(it);
-        else writeText(it);
-        break;
-      case ItemKind::Point: {
-        auto e = OdDbPoint::createFor(m_db);
-        e->setPosition(it.p[0].point());
-        if (m_defpoints.isEmpty()) m_defpoints = defpointsLayer(m_db);
-        append(*e, it.props, false, &m_defpoints);
-        break;
-      }
-    }
-  }
-
-private:
-  void writeMText(const Item& it) {
-    auto e = OdDbMText::createFor(m_db);
-    e->setLocation(it.p[0].point());
-    e->setTextHeight(it.height);
-    e->setAttachment(OdDbMText::kMiddleCenter);
-    e->setContents(it.contents);
-    if (!it.textStyle.isNull() && !isStandard(it.textStyle)) e->setTextStyle(it.textStyle);
-    const double a = it.angle;
-    if (std::fabs(std::remainder(a, 2 * std::numbers::pi)) > 1e-12) e->setDirection(OdGeVector3d{std::cos(a), std::sin(a), 0.0});
-    if (m_version >= DxfVersion::R2007) entitytags::setDouble(*e, kMText, 46, 0.0);
-    if (m_version >= DxfVersion::R2000) {
-      entitytags::setInt(*e, kMText, 73, 1);
-      entitytags::setDouble(*e, kMText, 44, 1.0);
-    }
-    append(*e, it.props, false);
-  }
-
-  // R12 has no MTEXT: a single-line text centred on the same point.
-  void writeText(const Item& it) {
-    auto e = OdDbText::createFor(m_db);
-    const OdGePoint3d at = it.p[0].point();
-    e->setPosition(at);
-    e->setHeight(it.height);
-    OdString plain = odMTextPlainText(it.contents);
-    std::wstring one = plain.str();
-    std::replace(one.begin(), one.end(), L'\n', L' ');
-    e->setTextString(one);
-    e->setRotation(cleanDegrees(it.angle) * std::numbers::pi / 180.0);
-    if (!it.textStyle.isNull() && !isStandard(it.textStyle)) e->setTextStyle(it.textStyle);
-    entitytags::setInt(*e, kText, 72, 1);  // centred
-    entitytags::setPoint(*e, kText, 11, at);
-    entitytags::setInt(*e, kText, 73, 2);  // middle
-    append(*e, it.props, false);
-  }
-
-  bool isStandard(const OdDbObjectId& style) const {
-    auto r = odOpen<OdDbTextStyleTableRecord>(style);
-    return r && r->getName().iCompare(L"Standard") == 0;
-  }
-
-  void append(OdDbEntity& e, const Props& props, bool hasLineWeight, const OdString* layer = nullptr) {
-    e.setLayer(layer ? *layer : m_layer);
-    e.setColor(props.color);
-    // A line type of the dimension variables where one is named; the others follow
-    // the dimension's own.
-    OdString linetype = m_linetype;
-    if (auto lt = odOpen<OdDbLinetypeTableRecord>(props.linetype)) {
-      const OdString name = lt->getName();
-      if (name.iCompare(L"ByLayer") != 0 && name.iCompare(L"ByBlock") != 0) linetype = name;
-    }
-    if (linetype.iCompare(L"ByLayer") != 0) e.setLinetype(linetype);
-    if (hasLineWeight && m_version >= DxfVersion::R2000 && props.lineWeight != OdDb::kLnWtByLayer)
-      e.setLineWeight(props.lineWeight);
-    if (m_version >= DxfVersion::R2004) {
-      // Transparency ByBlock: the block's entities show the dimension's own.
-      OdDbObject::Range r = e.subclassRange("AcDbEntity");
-      e.setTagText(440, "16777216", r, {5, 102, 330, 67, 410, 8, 6, 347, 62, 420, 430, 440});
-    }
-    m_block.appendOdDbEntity(&e);
-  }
-
-  OdDbDatabase& m_db;
-  OdDbBlockTableRecord& m_block;
-  OdString m_layer;
-  OdString m_linetype;  // the dimension's own
-  OdString m_defpoints;
-  DxfVersion m_version;
-};
-
 // Sets a point of the dimension when it moved by more than rounding noise, so that
 // an unchanged value keeps its spelling in the file.
 void updatePoint(OdDbDimension& dim, int code, Vec p) {
@@ -621,11 +448,7 @@ OdResult recomputeDimBlock(OdDbDimension& dim) {
     }
     auto block = odOpen<OdDbBlockTableRecord>(blockId, OdDb::kForWrite);
     if (!block) return eKeyNotFound;
-    for (const OdDbObjectId& id : block->entityIds()) {
-      if (auto e = id.openObject(OdDb::kForWrite)) e->erase();
-    }
-    BlockWriter writer(*db, *block, dim);
-    for (const Item& it : contents.items) writer.write(it);
+    writeBlockItems(*db, *block, dim, contents.items);
 
     dim.assertWriteEnabled();
     updatePoint(dim, 10, contents.dimLinePoint);

@@ -92,7 +92,7 @@ bool DxfLoader::nextChunk(Chunk& c) {
 OdDbObjectPtr DxfLoader::make(const Chunk& c, const OdRxClass* cls) {
   OdDbObjectPtr o(static_cast<OdDbObject*>(cls->create()));
   o->setDxfName(std::string(c.type));
-  o->setSource(c.raw, m_db.m_format, c.line);
+  o->setSource(c.raw, m_db.m_format, c.line, m_db.m_style.shortCodes);
   return o;
 }
 

@@ -1,5 +1,6 @@
 #include "drawings/DxfTags.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -456,6 +457,21 @@ static void writeValue(std::string& out, int code, std::string_view text, const 
 void dxfWriteNewTag(std::string& out, int code, std::string_view text, const DxfStyle& style) {
   writeCode(out, code, style);
   writeValue(out, code, text, style);
+}
+
+void dxfWriteDouble(std::string& out, int code, double v, const DxfStyle& style) {
+  writeCode(out, code, style);
+  if (style.format == DxfFormat::Binary) {
+    appendLE(out, v);
+    return;
+  }
+  // As dxfFormatDouble spells it, without a string of its own.
+  char buf[40];
+  auto r = std::to_chars(buf, buf + sizeof buf, v);
+  out.append(buf, r.ptr);
+  if (std::isfinite(v) && std::find_if(buf, r.ptr, [](char c) { return c == '.' || c == 'e' || c == 'E'; }) == r.ptr)
+    out += ".0";
+  out += style.eol;
 }
 
 void dxfWriteTag(std::string& out, const DxfTag& t, const DxfStyle& style) {

@@ -7,6 +7,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "drawings/OdDbEntity.h"
 
@@ -56,6 +57,9 @@ void setDoubleAt(DxfTag& t, double v);
 // The codec of an entity's strings: its drawing's, or while it is in none, that of
 // the drawing it was made for (so text set before appending is encoded right).
 const DxfCodec& codecOf(const OdDbObject& o, const std::optional<DxfCodec>& madeFor);
+
+// MTEXT contents cut into the pieces its tags hold (3, ..., 3, 1), in the file's spelling.
+std::vector<std::string> mtextPieces(const DxfCodec& codec, const OdString& text);
 
 double toRadians(double degrees);
 double toDegrees(double radians);

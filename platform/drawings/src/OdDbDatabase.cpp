@@ -100,7 +100,7 @@ OdDbObjectId OdDbDatabase::getOdDbObjectId(OdDbHandle h) const {
   return it == m_stubs.end() ? OdDbObjectId() : OdDbObjectId(it->second);
 }
 
-OdDbObjectId OdDbDatabase::addOdDbObject(OdDbObject* object, OdDbObjectId ownerId, OdDbHandle handle) {
+OdDbObjectId OdDbDatabase::attachNew(OdDbObject* object, OdDbHandle handle) {
   if (!object) throw OdError(eInvalidInput);
   if (object->database()) throw OdError(eAlreadyInDb);
   if (handle.isNull() || (m_stubs.count(handle.value()) && m_stubs[handle.value()]->object))
@@ -111,22 +111,52 @@ OdDbObjectId OdDbDatabase::addOdDbObject(OdDbObject* object, OdDbObjectId ownerI
   m_objects.emplace_back(object);
   if (m_undo) m_undo->recordNew(object);
   object->setOpenMode(OdDb::kForWrite);
+  if (object->dxfName().empty()) object->setDxfName(object->isA()->dxfName().toUtf8());
+  return id;
+}
+
+OdDbObjectId OdDbDatabase::addOdDbObject(OdDbObject* object, OdDbObjectId ownerId, OdDbHandle handle) {
+  OdDbObjectId id = attachNew(object, handle);
   // A new object's tags start with its name and handle; the owner follows.
   DxfTagList& t = object->tagsForWrite();
-  if (t.empty()) {
-    std::string name(object->dxfName());
-    if (name.empty()) name = object->isA()->dxfName().toUtf8();
-    object->setDxfName(name);
-    t.emplace_back(0, name);
-  }
+  if (t.empty()) t.emplace_back(0, std::string(object->dxfName()));
   if (dxfver::hasObjects(m_version) || headerInt("$HANDLING", 1)) {
     int hc = object->dxfName() == "DIMSTYLE" ? 105 : 5;
-    if (t.size() < 2 || (t[1].code != hc)) t.insert(t.begin() + 1, DxfTag(hc, dxfFormatHandle(handle.value())));
-    else t[1].set(dxfFormatHandle(handle.value()));
+    std::string h = dxfFormatHandle(id.getHandle().value());
+    if (t.size() < 2 || (t[1].code != hc)) t.insert(t.begin() + 1, DxfTag(hc, std::move(h)));
+    else t[1].set(std::move(h));
   }
   object->setOwnerId(ownerId);
-  if (m_header) setHeaderString("$HANDSEED", 5, OdString::fromUtf8(dxfFormatHandle(m_nextHandle)));
+  updateHandseed();
   return id;
+}
+
+OdDbObjectId OdDbDatabase::addSpelledObject(OdDbObject* object, OdDbObjectId ownerId) {
+  OdDbObjectId id = attachNew(object, OdDbHandle());
+  object->setOwnerIdRaw(ownerId);
+  updateHandseed();
+  return id;
+}
+
+void OdDbDatabase::updateHandseed() {
+  if (!m_header) return;
+  recordUndo(m_header.get());  // the header has no handle, so it cannot record itself
+  DxfTagList& t = m_header->tagsForWrite();
+  size_t i = m_handseedTag;
+  if (i == 0 || i >= t.size() || t[i].code != 5 || t[i - 1].code != 9 || t[i - 1].text != "$HANDSEED") {
+    i = 0;
+    for (size_t k = 0; k + 1 < t.size(); ++k)
+      if (t[k].code == 9 && t[k].text == "$HANDSEED") {
+        i = k + 1;
+        break;
+      }
+  }
+  if (i == 0 || t[i].code != 5) {
+    setHeaderString("$HANDSEED", 5, OdString::fromUtf8(dxfFormatHandle(m_nextHandle)));
+    return;
+  }
+  m_handseedTag = i;
+  t[i].set(dxfFormatHandle(m_nextHandle));
 }
 
 DxfSection* OdDbDatabase::section(std::string_view name) {
@@ -247,6 +277,15 @@ void OdDbDatabase::setHeaderInt(const char* name, int code, int v) {
 
 void OdDbDatabase::setHeaderString(const char* name, int code, const OdString& v) {
   setHeaderVar(OdString::fromUtf8(name), OdResBuf::newRb(code, v).get());
+}
+
+DxfStyle OdDbDatabase::fileStyle() const {
+  DxfStyle st = dxfStyleOf(*this);
+  if (m_format == DxfFormat::Ascii) {
+    st.eol = m_style.eol;
+    st.padCodes = m_style.padCodes;
+  }
+  return st;
 }
 
 DxfStyle dxfStyleOf(const OdDbDatabase& db) {

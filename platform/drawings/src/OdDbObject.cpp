@@ -104,12 +104,23 @@ void OdDbObject::assertWriteEnabled() {
   m_modified = true;
 }
 
+bool OdDbObject::replaceBytes(std::string bytes) {
+  if (!m_tags && m_raw == bytes) return false;
+  assertWriteEnabled();
+  m_ownBytes = std::make_shared<const std::string>(std::move(bytes));
+  m_raw = *m_ownBytes;
+  const DxfStyle style = database() ? database()->fileStyle() : DxfStyle();
+  m_rawFormat = style.format;
+  m_shortCodes = style.shortCodes;
+  m_line = 0;
+  m_tags.reset();
+  return true;
+}
+
 void OdDbObject::parseTags() const {
   auto list = std::make_unique<DxfTagList>();
   if (!m_raw.empty()) {
-    bool shortCodes = false;
-    if (m_rawFormat == DxfFormat::Binary && database()) shortCodes = dxfver::binaryShortCodes(database()->version());
-    DxfTagScanner sc(m_raw, m_rawFormat, shortCodes, 0, m_line);
+    DxfTagScanner sc(m_raw, m_rawFormat, m_shortCodes, 0, m_line);
     DxfRawTag rt;
     list->reserve(m_raw.size() / 12);
     while (sc.next(rt)) {
@@ -131,8 +142,7 @@ std::optional<std::string> OdDbObject::firstValue(int code) const {
       if (t.code == code) return t.text;
     return std::nullopt;
   }
-  bool shortCodes = m_rawFormat == DxfFormat::Binary && database() && dxfver::binaryShortCodes(database()->version());
-  DxfTagScanner sc(m_raw, m_rawFormat, shortCodes, 0, m_line);
+  DxfTagScanner sc(m_raw, m_rawFormat, m_shortCodes, 0, m_line);
   DxfRawTag rt;
   while (sc.next(rt))
     if (rt.code == code) return dxfValueText(rt, m_rawFormat);
@@ -144,8 +154,7 @@ void OdDbObject::forEachTag(const std::function<void(int, std::string_view)>& f)
     for (const auto& t : *m_tags) f(t.code, t.text);
     return;
   }
-  bool shortCodes = m_rawFormat == DxfFormat::Binary && database() && dxfver::binaryShortCodes(database()->version());
-  DxfTagScanner sc(m_raw, m_rawFormat, shortCodes, 0, m_line);
+  DxfTagScanner sc(m_raw, m_rawFormat, m_shortCodes, 0, m_line);
   DxfRawTag rt;
   std::string text;
   while (sc.next(rt)) {

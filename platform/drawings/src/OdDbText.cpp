@@ -22,6 +22,28 @@ const DxfSubclass kMText{"AcDbMText", kMTextOrder};
 // The longest piece of MTEXT contents one tag holds.
 constexpr size_t kChunk = 250;
 
+}  // namespace
+
+std::vector<std::string> entitytags::mtextPieces(const DxfCodec& codec, const OdString& text) {
+  // Pieces end between characters, so that readers that decode each piece alone
+  // see whole characters and whole \U+ escapes.
+  std::vector<std::string> pieces(1);
+  std::wstring_view s = text.view();
+  for (size_t i = 0; i < s.size();) {
+    size_t n = (sizeof(wchar_t) == 2 && i + 1 < s.size() && s[i] >= 0xD800 && s[i] < 0xDC00 && s[i + 1] >= 0xDC00 &&
+                s[i + 1] < 0xE000)
+                   ? 2
+                   : 1;
+    std::string c = codec.encode(s.substr(i, n));
+    if (pieces.back().size() + c.size() > kChunk) pieces.emplace_back();
+    pieces.back() += c;
+    i += n;
+  }
+  return pieces;
+}
+
+namespace {
+
 DxfTag defaultHeight(const OdDbDatabase& db) { return DxfTag(40, dxfFormatDouble(db.headerDouble("$TEXTSIZE", 0.2))); }
 
 OdDbObjectId styleOf(const OdDbObject& e, const DxfSubclass& s) {
@@ -137,21 +159,7 @@ OdString OdDbMText::contents() const {
 void OdDbMText::setContents(const OdString& text) {
   assertWriteEnabled();
   if (contents() == text) return;
-  // Pieces end between characters, so that readers that decode each piece alone
-  // see whole characters and whole \U+ escapes.
-  const DxfCodec& codec = codecOf(*this, m_madeFor);
-  std::vector<std::string> pieces(1);
-  std::wstring_view s = text.view();
-  for (size_t i = 0; i < s.size();) {
-    size_t n = (sizeof(wchar_t) == 2 && i + 1 < s.size() && s[i] >= 0xD800 && s[i] < 0xDC00 && s[i + 1] >= 0xDC00 &&
-                s[i + 1] < 0xE000)
-                   ? 2
-                   : 1;
-    std::string c = codec.encode(s.substr(i, n));
-    if (pieces.back().size() + c.size() > kChunk) pieces.emplace_back();
-    pieces.back() += c;
-    i += n;
-  }
+  std::vector<std::string> pieces = mtextPieces(codecOf(*this, m_madeFor), text);
   Range r = writableRange(*this, kMText);
   auto& t = tagsForWrite();
   size_t pos = r.end;

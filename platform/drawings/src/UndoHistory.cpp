@@ -209,6 +209,7 @@ void UndoHistory::apply(Step& step, bool undoing) {
 UndoHistory::ObjectState UndoHistory::copyState(const OdDbObject& o) {
   ObjectState s;
   s.raw = o.m_raw;
+  s.ownBytes = o.m_ownBytes;
   if (o.m_tags) s.tags = std::make_unique<DxfTagList>(*o.m_tags);
   s.dxfName = o.m_dxfName;
   s.owner = o.m_owner;
@@ -221,6 +222,7 @@ void UndoHistory::swapState(OdDbObject& o, ObjectState& s) {
   ObjectState now;
   now.inDatabase = !o.m_stub || o.m_stub->object == &o;
   now.raw = o.m_raw;
+  now.ownBytes = std::move(o.m_ownBytes);
   now.tags = std::move(o.m_tags);
   now.dxfName = std::move(o.m_dxfName);
   now.owner = o.m_owner;
@@ -228,6 +230,7 @@ void UndoHistory::swapState(OdDbObject& o, ObjectState& s) {
   now.modified = o.m_modified;
 
   o.m_raw = s.raw;
+  o.m_ownBytes = std::move(s.ownBytes);
   o.m_tags = std::move(s.tags);
   o.m_dxfName = std::move(s.dxfName);
   o.m_owner = s.owner;

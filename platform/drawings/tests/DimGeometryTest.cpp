@@ -265,9 +265,18 @@ TEST(DimGeometry, UserPlacedTextStaysAndTheLineFollows) {
 // goes through undo, and survives saving: ezdxf reads the file and its audit
 // finds nothing.
 TEST(DimGeometry, BlockIsReplacedInPlaceUndoneAndSaved) {
-  for (DxfVersion version : {DxfVersion::R2018, DxfVersion::R2000, DxfVersion::R12}) {
-    SCOPED_TRACE(static_cast<int>(version));
+  const std::pair<DxfVersion, DxfFormat> drawings[] = {{DxfVersion::R2018, DxfFormat::Ascii},
+                                                       {DxfVersion::R2000, DxfFormat::Binary},
+                                                       {DxfVersion::R12, DxfFormat::Ascii},
+                                                       {DxfVersion::R12, DxfFormat::Binary}};
+  for (auto [version, format] : drawings) {
+    SCOPED_TRACE(std::to_string(static_cast<int>(version)) + (format == DxfFormat::Binary ? " binary" : " ascii"));
     OdDbDatabasePtr db = OdDbDatabase::createNew(version);
+    if (format == DxfFormat::Binary) {
+      DxfSaveOptions binary;
+      binary.format = DxfFormat::Binary;
+      db = OdDbDatabase::readDxf(db->toDxf(binary));
+    }
     auto d = addRotated(*db, {0, 0, 0}, {100, 0, 0}, {50, 20, 0});
     const OdDbHandle handle = d->getDbHandle();
     EXPECT_TRUE(d->dimBlockId().isNull());
@@ -277,6 +286,14 @@ TEST(DimGeometry, BlockIsReplacedInPlaceUndoneAndSaved) {
     const OdString name = odOpen<OdDbBlockTableRecord>(block)->getName();
     EXPECT_EQ(name.left(2), OdString(L"*D"));
     const std::vector<Prim> first = primitives(block);
+    const OdDbObjectIdArray entities = odOpen<OdDbBlockTableRecord>(block)->entityIds();
+
+    // Nothing changed: nothing is made, erased or respelled.
+    const std::string before = db->toDxf();
+    const size_t objects = db->numObjects();
+    ASSERT_EQ(recomputeDimBlock(*d), eOk);
+    EXPECT_EQ(db->numObjects(), objects);
+    EXPECT_TRUE(db->toDxf() == before) << "an unchanged recompute changed the file";
 
     db->beginUndoGroup(L"move");
     d->setXLine2Point({80, 0, 0});
@@ -286,6 +303,8 @@ TEST(DimGeometry, BlockIsReplacedInPlaceUndoneAndSaved) {
     EXPECT_EQ(d->dimBlockId(), block);
     std::vector<Prim> moved = primitives(block);
     ASSERT_EQ(moved.size(), first.size()) << "old entities are gone";
+    EXPECT_EQ(odOpen<OdDbBlockTableRecord>(block)->entityIds(), entities) << "entities of the same kind are kept";
+    EXPECT_EQ(db->numObjects(), objects);
     EXPECT_AT(moved[1].p[0], 80, 0.0625);
 
     db->undo();

@@ -108,3 +108,5 @@ struct DxfStyle {
 // Appends one tag to `out` in the given style: raw when unchanged, else freshly formatted.
 void dxfWriteTag(std::string& out, const DxfTag& t, const DxfStyle& style);
 void dxfWriteNewTag(std::string& out, int code, std::string_view text, const DxfStyle& style);
+// A double value, spelled as dxfFormatDouble does.
+void dxfWriteDouble(std::string& out, int code, double v, const DxfStyle& style);

@@ -59,12 +59,17 @@ public:
   // Problems found and repaired or tolerated while reading (duplicate handles, dangling owners).
   const std::vector<std::string>& loadWarnings() const { return m_warnings; }
   const DxfCodec& codec() const { return m_codec; }
+  // How the file spells tags: format, code padding and line ends as read.
+  DxfStyle fileStyle() const;
 
   // Objects and handles.
   OdDbObjectId getOdDbObjectId(OdDbHandle h, bool createIfNotFound = false);
   OdDbObjectId getOdDbObjectId(OdDbHandle h) const;
   // Gives the object a new handle and owner; it is not placed in any container.
   OdDbObjectId addOdDbObject(OdDbObject* object, OdDbObjectId ownerId = OdDbObjectId(), OdDbHandle handle = OdDbHandle());
+  // The same for an object whose bytes are spelled in full right after
+  // (OdDbObject::replaceBytes): its tags are not touched.
+  OdDbObjectId addSpelledObject(OdDbObject* object, OdDbObjectId ownerId);
   OdDbHandle handseed() const { return OdDbHandle(m_nextHandle); }
   size_t numObjects() const { return m_stubs.size(); }
 
@@ -162,6 +167,9 @@ private:
   friend class DxfWriter;
   friend class UndoHistory;
   OdDbDatabase();
+  OdDbObjectId attachNew(OdDbObject* object, OdDbHandle handle);
+  // Keeps $HANDSEED past every handle given out (one tag, found once).
+  void updateHandseed();
 
   // The bytes every unchanged object points into.
   std::shared_ptr<const std::string> m_source;
@@ -176,6 +184,7 @@ private:
   OdDbObjectId m_namedObjects;
   uint64_t m_nextHandle = 1;
   uint64_t m_fileHandseed = 0;
+  size_t m_handseedTag = 0;  // where $HANDSEED's value was last found in the header's tags
   DxfVersion m_version = DxfVersion::R2018;
   DxfFormat m_format = DxfFormat::Ascii;
   DxfStyle m_style;

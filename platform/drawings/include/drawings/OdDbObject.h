@@ -67,13 +67,22 @@ public:
   // The original bytes while the object has not been changed since it was read.
   std::string_view rawBytes() const { return m_tags ? std::string_view() : m_raw; }
   // Sets where the object came from (loader only).
-  void setSource(std::string_view raw, DxfFormat format, uint32_t line) {
+  void setSource(std::string_view raw, DxfFormat format, uint32_t line, bool shortCodes = false) {
     m_raw = raw;
     m_rawFormat = format;
+    m_shortCodes = shortCodes;
     m_line = line;
     m_tags.reset();
   }
   uint32_t sourceLine() const { return m_line; }
+  // Replaces the whole object with `bytes`: its tags, name and handle included,
+  // spelled as its drawing's file spells them (format, code padding, line ends).
+  // Objects made in bulk are cheaper spelled in one pass than set tag by tag.
+  // Returns false, changing nothing, when the object already is these bytes.
+  // Throws eNotOpenForWrite unless open for write.
+  bool replaceBytes(std::string bytes);
+  // Whether the object still is the bytes replaceBytes gave it.
+  bool isSpelled() const { return m_ownBytes && !m_tags; }
   void attach(OdDbStub* stub) { m_stub = stub; }
 
   // Tag helpers for typed access. Indices are into tags(). A "section" is the run of
@@ -117,11 +126,13 @@ private:
 
   OdDbStub* m_stub = nullptr;
   OdDbObjectId m_owner;
-  std::string_view m_raw;  // into the database's file buffer
+  std::string_view m_raw;  // into the database's file buffer, or into m_ownBytes
+  std::shared_ptr<const std::string> m_ownBytes;  // shared with undo steps that hold them
   mutable std::unique_ptr<DxfTagList> m_tags;
   std::string m_dxfName;
   uint32_t m_line = 0;
   DxfFormat m_rawFormat = DxfFormat::Ascii;
+  bool m_shortCodes = false;  // binary with the one-byte group codes of R12 and older
   OdDb::OpenMode m_openMode = OdDb::kNotOpen;
   bool m_erased = false;
   bool m_modified = false;

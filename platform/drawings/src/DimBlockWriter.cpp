@@ -1,0 +1,334 @@
+#include "DimBlockWriter.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <numbers>
+
+#include "EntityTags.h"
+#include "drawings/DimText.h"
+#include "drawings/OdDbDatabase.h"
+#include "drawings/OdDbGeometry.h"
+#include "drawings/OdDbText.h"
+
+namespace dimgeom {
+
+namespace {
+
+// Where the definition points go: the drawing's "Defpoints" layer, made when missing
+// (as a copy of layer 0 that does not plot).
+OdString defpointsLayer(OdDbDatabase& db) {
+  auto layers = odOpen<OdDbLayerTable>(db.getLayerTableId(), OdDb::kForWrite);
+  if (!layers) return L"Defpoints";
+  if (OdDbObjectId id = layers->getAt(L"Defpoints"); !id.isNull())
+    return odOpen<OdDbLayerTableRecord>(id)->getName();
+  const OdString name = db.extendedNames() ? OdString(L"Defpoints") : OdString(L"DEFPOINTS");
+  auto zero = odOpen<OdDbLayerTableRecord>(layers->getAt(L"0"));
+  OdSmartPtr<OdDbLayerTableRecord> record = OdDbLayerTableRecord::createObject();
+  record->setDxfName("LAYER");
+  DxfTagList& t = record->tagsForWrite();
+  if (zero) {
+    for (const DxfTag& tag : zero->tags())
+      if (tag.code != 5 && tag.code != 330 && tag.code != 102 && tag.code < 1000) t.push_back(tag);
+    // Drop the contents of 102 groups (reactors, extension dictionaries).
+    DxfTagList kept;
+    for (const DxfTag& tag : t)
+      if (!(tag.code == 360 || tag.code == 347)) kept.push_back(tag);
+    t = kept;
+  } else {
+    t = {DxfTag(0, "LAYER"), DxfTag(2, "0"), DxfTag(70, "0"), DxfTag(62, "7"), DxfTag(6, "CONTINUOUS")};
+  }
+  for (DxfTag& tag : t) {
+    if (tag.code == 2) tag.set(db.codec().encode(name.view()));
+    if (tag.code == 62 && tag.toInt() < 0) tag.set(std::to_string(-tag.toInt()));  // on
+  }
+  if (db.version() >= DxfVersion::R2000) {
+    auto at = std::find_if(t.begin(), t.end(), [](const DxfTag& x) { return x.code == 290; });
+    if (at != t.end()) at->set("0");
+    else {
+      auto after = std::find_if(t.begin(), t.end(), [](const DxfTag& x) { return x.code == 370; });
+      t.insert(after, DxfTag(290, "0"));
+    }
+  }
+  layers->add(record.get());
+  return name;
+}
+
+// Degrees in [0, 360), whole when within rounding noise of a whole number.
+double cleanDegrees(double radians) {
+  double d = std::fmod(radians * 180.0 / std::numbers::pi, 360.0);
+  if (d < 0) d += 360.0;
+  if (std::fabs(d - std::round(d)) < 1e-9) d = std::round(d);
+  if (d >= 360.0) d -= 360.0;
+  return d;
+}
+
+// Spells one entity's tags in its drawing's own style: what the version holds
+// (subclass markers and owners from R13, lineweights from R2000, transparency
+// from R2004) and nothing else.
+class Speller {
+public:
+  explicit Speller(const OdDbDatabase& db) : m_style(db.fileStyle()), m_version(db.version()) {
+    m_markers = dxfver::hasObjects(m_version);
+    m_handles = m_markers || db.headerInt("$HANDLING", 1) != 0;
+    m_out.reserve(512);
+  }
+
+  DxfVersion version() const { return m_version; }
+
+  void begin(std::string_view name, uint64_t handle, uint64_t owner) {
+    m_out.clear();
+    text(0, name);
+    if (m_handles) text(5, dxfFormatHandle(handle));
+    if (m_markers) {
+      text(330, dxfFormatHandle(owner));
+      text(100, "AcDbEntity");
+    }
+  }
+  void marker(std::string_view m) {
+    if (m_markers) text(100, m);
+  }
+  void text(int code, std::string_view v) { dxfWriteNewTag(m_out, code, v, m_style); }
+  void integer(int code, long v) {
+    char buf[24];
+    auto r = std::to_chars(buf, buf + sizeof buf, v);
+    text(code, std::string_view(buf, static_cast<size_t>(r.ptr - buf)));
+  }
+  void real(int code, double v) { dxfWriteDouble(m_out, code, v, m_style); }
+  void point(int code, Vec p) {
+    real(code, p.x);
+    real(code + 10, p.y);
+    real(code + 20, 0.0);
+  }
+  std::string take() { return m_out; }
+
+private:
+  DxfStyle m_style;
+  DxfVersion m_version;
+  bool m_markers = false, m_handles = false;
+  std::string m_out;
+};
+
+// Writes the items into the block, reusing its entities in order while their kind
+// matches: a recompute that changes little leaves the unchanged entities as they
+// are (same bytes, same handles, nothing for undo to keep), and one that changes
+// much makes no new objects for the old ones to be erased.
+class Writer {
+public:
+  Writer(OdDbDatabase& db, OdDbBlockTableRecord& block, const OdDbDimension& dim)
+      : m_db(db), m_block(block), m_speller(db), m_old(block.entityIds()) {
+    m_layer = encode(dim.layer());
+    m_linetype = dim.linetype();
+  }
+
+  void write(const Item& it) {
+    const std::string_view name = dxfNameOf(it);
+    OdDbEntityPtr e = reusable(name);
+    if (e.isNull()) {
+      e = newEntity(it);
+      m_db.addSpelledObject(e.get(), m_block.objectId());
+      m_block.entities().push_back(e->objectId());
+    }
+    m_speller.begin(name, e->getDbHandle().value(), m_block.getDbHandle().value());
+    common(it);
+    body(it);
+    e->replaceBytes(m_speller.take());
+  }
+
+  // The old entities no item took are erased (undo brings them back).
+  void finish() {
+    for (size_t i = m_next; i < m_old.size(); ++i)
+      if (auto e = m_old[i].openObject(OdDb::kForWrite)) e->erase();
+  }
+
+private:
+  std::string_view dxfNameOf(const Item& it) const {
+    switch (it.kind) {
+      case ItemKind::Line: return "LINE";
+      case ItemKind::Arc: return "ARC";
+      case ItemKind::Solid: return "SOLID";
+      case ItemKind::Arrow: return "INSERT";
+      case ItemKind::Text: return m_speller.version() >= DxfVersion::R13 ? "MTEXT" : "TEXT";
+      case ItemKind::Point: return "POINT";
+    }
+    return "";
+  }
+
+  OdDbEntityPtr newEntity(const Item& it) const {
+    switch (it.kind) {
+      case ItemKind::Line: return OdDbLine::createObject();
+      case ItemKind::Arc: return OdDbArc::createObject();
+      case ItemKind::Solid: return OdDbSolid::createObject();
+      case ItemKind::Arrow: return OdDbBlockReference::createObject();
+      case ItemKind::Text:
+        if (m_speller.version() >= DxfVersion::R13) return OdDbMText::createObject();
+        return OdDbText::createObject();
+      case ItemKind::Point: return OdDbPoint::createObject();
+    }
+    return OdDbEntityPtr();
+  }
+
+  // The next old entity when it is of the same kind and carries nothing that
+  // would be orphaned by respelling it (an extension dictionary, reactors).
+  OdDbEntityPtr reusable(std::string_view name) {
+    while (m_reusing && m_next < m_old.size()) {
+      OdDbEntityPtr e = OdDbEntity::cast(m_old[m_next].openObject(OdDb::kForWrite).get());
+      if (e.isNull()) {  // gone meanwhile: look at the next one
+        ++m_next;
+        continue;
+      }
+      // What this writer spelled has neither; what a file brought may have.
+      if (e->dxfName() != name || (!e->isSpelled() && e->firstValue(102))) break;
+      ++m_next;
+      return e;
+    }
+    m_reusing = false;
+    return OdDbEntityPtr();
+  }
+
+  void common(const Item& it) {
+    const bool point = it.kind == ItemKind::Point;
+    if (point && m_defpoints.empty()) m_defpoints = encode(defpointsLayer(m_db));
+    m_speller.text(8, point ? m_defpoints : m_layer);
+    // A line type of the dimension variables where one is named; the others follow
+    // the dimension's own.
+    OdString linetype = m_linetype;
+    if (!it.props.linetype.isNull()) {
+      const OdString& named = linetypeName(it.props.linetype);
+      if (!named.isEmpty() && named.iCompare(L"ByLayer") != 0 && named.iCompare(L"ByBlock") != 0) linetype = named;
+    }
+    if (linetype.iCompare(L"ByLayer") != 0) m_speller.text(6, encode(linetype));
+    const OdCmColor& c = it.props.color;
+    if (!c.isByLayer()) {
+      m_speller.integer(62, c.dxfAci());
+      if (auto tc = c.dxfTrueColor()) m_speller.integer(420, *tc);
+      if (!c.colorName().isEmpty()) m_speller.text(430, encode(c.bookName() + OdString(L"$") + c.colorName()));
+    }
+    const bool hasLineWeight = it.kind == ItemKind::Line || it.kind == ItemKind::Arc || it.kind == ItemKind::Arrow;
+    if (hasLineWeight && m_speller.version() >= DxfVersion::R2000 && it.props.lineWeight != OdDb::kLnWtByLayer)
+      m_speller.integer(370, static_cast<int>(it.props.lineWeight));
+    // Transparency ByBlock: the block's entities show the dimension's own.
+    if (m_speller.version() >= DxfVersion::R2004) m_speller.integer(440, 16777216);
+  }
+
+  void body(const Item& it) {
+    Speller& s = m_speller;
+    switch (it.kind) {
+      case ItemKind::Line:
+        s.marker("AcDbLine");
+        s.point(10, it.p[0]);
+        s.point(11, it.p[1]);
+        break;
+      case ItemKind::Arc:
+        s.marker("AcDbCircle");
+        s.point(10, it.p[0]);
+        s.real(40, it.radius);
+        s.marker("AcDbArc");
+        s.real(50, entitytags::toDegrees(it.startAngle));
+        s.real(51, entitytags::toDegrees(it.endAngle));
+        break;
+      case ItemKind::Solid:
+        s.marker("AcDbTrace");
+        for (int i = 0; i < 4; ++i) s.point(10 + i, it.p[i]);
+        break;
+      case ItemKind::Arrow: {
+        s.marker("AcDbBlockReference");
+        s.text(2, recordName(it.block));
+        s.point(10, it.p[0]);
+        if (it.scale != 1.0)
+          for (int code : {41, 42, 43}) s.real(code, it.scale);
+        if (const double degrees = cleanDegrees(it.angle); degrees != 0.0) s.real(50, degrees);
+        break;
+      }
+      case ItemKind::Text:
+        if (s.version() >= DxfVersion::R13) mtext(it);
+        else text(it);
+        break;
+      case ItemKind::Point:
+        s.marker("AcDbPoint");
+        s.point(10, it.p[0]);
+        break;
+    }
+  }
+
+  void mtext(const Item& it) {
+    Speller& s = m_speller;
+    s.marker("AcDbMText");
+    s.point(10, it.p[0]);
+    s.real(40, it.height);
+    s.real(41, 0.0);
+    if (s.version() >= DxfVersion::R2007) s.real(46, 0.0);
+    s.integer(71, 5);  // middle centre
+    s.integer(72, 1);
+    const std::vector<std::string> pieces = entitytags::mtextPieces(m_db.codec(), it.contents);
+    for (size_t i = 0; i < pieces.size(); ++i) s.text(i + 1 < pieces.size() ? 3 : 1, pieces[i]);
+    if (const std::string style = textStyleName(it.textStyle); !style.empty()) s.text(7, style);
+    if (std::fabs(std::remainder(it.angle, 2 * std::numbers::pi)) > 1e-12) {
+      s.real(11, std::cos(it.angle));
+      s.real(21, std::sin(it.angle));
+      s.real(31, 0.0);
+    }
+    if (s.version() >= DxfVersion::R2000) {
+      s.integer(73, 1);
+      s.real(44, 1.0);
+    }
+  }
+
+  // R12 has no MTEXT: a single-line text centred on the same point.
+  void text(const Item& it) {
+    Speller& s = m_speller;
+    std::wstring one = odMTextPlainText(it.contents).str();
+    std::replace(one.begin(), one.end(), L'\n', L' ');
+    s.point(10, it.p[0]);
+    s.real(40, it.height);
+    s.text(1, m_db.codec().encode(one));
+    if (const double degrees = cleanDegrees(it.angle); degrees != 0.0) s.real(50, degrees);
+    if (const std::string style = textStyleName(it.textStyle); !style.empty()) s.text(7, style);
+    s.integer(72, 1);  // centred
+    s.point(11, it.p[0]);
+    s.integer(73, 2);  // middle
+  }
+
+  std::string encode(const OdString& s) const { return m_db.codec().encode(s.view()); }
+
+  // Record names as the file spells them, looked up once per block.
+  std::string recordName(const OdDbObjectId& id) {
+    for (const auto& [known, name] : m_names)
+      if (known == id) return name;
+    OdDbObjectPtr rec = id.openObject();
+    m_names.emplace_back(id, rec ? rec->firstValue(2).value_or(std::string()) : std::string());
+    return m_names.back().second;
+  }
+  // Empty for the standard style, which text follows when it names none.
+  std::string textStyleName(const OdDbObjectId& id) {
+    if (id.isNull()) return {};
+    std::string name = recordName(id);
+    return m_db.codec().decode(name).iCompare(L"Standard") == 0 ? std::string() : name;
+  }
+  OdString linetypeName(const OdDbObjectId& id) {
+    auto lt = odOpen<OdDbLinetypeTableRecord>(id);
+    return lt ? lt->getName() : OdString();
+  }
+
+  OdDbDatabase& m_db;
+  OdDbBlockTableRecord& m_block;
+  Speller m_speller;
+  OdDbObjectIdArray m_old;
+  size_t m_next = 0;
+  bool m_reusing = true;
+  std::string m_layer, m_defpoints;
+  OdString m_linetype;  // the dimension's own
+  std::vector<std::pair<OdDbObjectId, std::string>> m_names;
+};
+
+}  // namespace
+
+void writeBlockItems(OdDbDatabase& db, OdDbBlockTableRecord& block, const OdDbDimension& dim,
+                     const std::vector<Item>& items) {
+  if (block.isLayout()) throw OdError(eInvalidInput, "a dimension's block cannot be a layout");
+  Writer writer(db, block, dim);
+  for (const Item& it : items) writer.write(it);
+  writer.finish();
+}
+
+}  // namespace dimgeom
