@@ -1,13 +1,19 @@
-// How long recomputing dimension blocks takes: a new drawing with N rotated and
-// aligned dimensions (points, angles and a few variable sets varied), every block
-// recomputed three times; prints the best time per dimension and in total, and the
-// memory the drawing takes before and after.
+// How long recomputing dimension blocks takes: a new drawing with N rotated
+// dimensions (points, angles and a few variable sets varied), every block computed
+// three ways: made for the first time, recomputed with nothing changed, and
+// recomputed after the dimension style changed (every block respelled). Prints the
+// time per dimension of each, the memory the drawing takes, and with --peer the
+// time a peer command reports for the same number of blocks and the ratio.
 //
-//   dim_recompute_bench [N]      (100000 by default)
+//   dim_recompute_bench [N] [--peer "COMMAND"]      (N = 100000 by default)
+//
+// The peer command is run with the number of blocks as its last argument and must
+// print a JSON object with "per_dim_us" (bench/ezdxf_dim_peer.py).
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <fstream>
 #include <random>
 #include <string>
@@ -15,6 +21,7 @@
 
 #include "drawings/DimGeometry.h"
 #include "drawings/OdDbDatabase.h"
+#include "drawings/OdDbDimStyleTableRecord.h"
 
 namespace {
 
@@ -31,12 +38,30 @@ std::pair<double, double> memoryMiB() {
 
 double seconds(std::chrono::steady_clock::duration d) { return std::chrono::duration<double>(d).count(); }
 
+// The "per_dim_us" the peer printed; negative when it failed.
+double runPeer(const std::string& command, int n) {
+  const std::string line = command + " " + std::to_string(n);
+  FILE* p = popen(line.c_str(), "r");
+  if (!p) return -1;
+  std::string out;
+  char buf[512];
+  while (size_t got = fread(buf, 1, sizeof buf, p)) out.append(buf, got);
+  if (pclose(p) != 0) return -1;
+  const size_t at = out.find("\"per_dim_us\":");
+  return at == std::string::npos ? -1 : std::atof(out.c_str() + at + 13);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
-  const int n = argc > 1 ? std::atoi(argv[1]) : 100000;
+  int n = 100000;
+  std::string peer;
+  for (int i = 1; i < argc; ++i) {
+    if (std::strcmp(argv[i], "--peer") == 0 && i + 1 < argc) peer = argv[++i];
+    else n = std::atoi(argv[i]);
+  }
   if (n <= 0) {
-    std::fprintf(stderr, "usage: dim_recompute_bench [N]\n");
+    std::fprintf(stderr, "usage: dim_recompute_bench [N] [--peer \"COMMAND\"]\n");
     return 2;
   }
   const auto [rss0, peak0] = memoryMiB();
@@ -78,24 +103,47 @@ int main(int argc, char** argv) {
   }
   const auto [rss1, peak1] = memoryMiB();
 
-  double best = 1e300;
   int failures = 0;
-  for (int round = 0; round < 3; ++round) {
+  auto recomputeAll = [&] {
     const auto start = std::chrono::steady_clock::now();
     for (const OdDbObjectId& id : ids) {
       auto d = odOpen<OdDbDimension>(id, OdDb::kForWrite);
       if (recomputeDimBlock(*d) != eOk) ++failures;
     }
-    const double s = seconds(std::chrono::steady_clock::now() - start);
-    std::printf("round %d: %.3f s\n", round + 1, s);
-    best = std::min(best, s);
+    return seconds(std::chrono::steady_clock::now() - start);
+  };
+  const double first = recomputeAll();
+  double unchanged = 1e300, restyled = 1e300;
+  auto standard = odOpen<OdDbDimStyleTableRecord>(db->dimstyle(), OdDb::kForWrite);
+  for (int round = 0; round < 3; ++round) {
+    unchanged = std::min(unchanged, recomputeAll());
+    standard->setDimasz(round % 2 ? 0.18 : 0.2);  // every arrowhead, line end and fit changes
+    restyled = std::min(restyled, recomputeAll());
   }
   const auto [rss2, peak2] = memoryMiB();
 
-  std::printf("%d dimensions, best of 3: %.3f s in total, %.2f us per dimension%s\n", n, best, best / n * 1e6,
-              failures ? " (some failed)" : "");
+  auto line = [&](const char* what, double s) {
+    std::printf("%-44s %8.3f s  %8.2f us per dimension\n", what, s, s / n * 1e6);
+  };
+  std::printf("%d rotated dimensions%s\n", n, failures ? " (some failed to compute)" : "");
+  line("blocks made", first);
+  line("recomputed, nothing changed (best of 3)", unchanged);
+  line("recomputed after a style change (best of 3)", restyled);
   std::printf("memory: %.0f MiB at start, %.0f MiB with the dimensions (%.2f KiB each), %.0f MiB after recomputing "
               "(peak %.0f MiB)\n",
               rss0, rss1, (rss1 - rss0) * 1024 / n, rss2, std::max({peak0, peak1, peak2}));
+  if (!peer.empty()) {
+    const int peerN = std::min(n, 2000);  // the peer is slow: a sample of blocks is enough for a per-block time
+    const double peerUs = runPeer(peer, peerN);
+    if (peerUs <= 0) {
+      std::printf("peer: failed (%s)\n", peer.c_str());
+    } else {
+      const double oursUs = restyled / n * 1e6;
+      std::printf("peer: %.2f us per block for making the same entities (%d blocks); our recompute after a style "
+                  "change is %.1fx %s\n",
+                  peerUs, peerN, oursUs < peerUs ? peerUs / oursUs : oursUs / peerUs,
+                  oursUs < peerUs ? "faster" : "slower");
+    }
+  }
   return failures ? 1 : 0;
 }

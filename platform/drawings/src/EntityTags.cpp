@@ -22,12 +22,24 @@ bool hasMarkers(const OdDbObject& o) {
   return false;
 }
 
-int rank(const DxfSubclass& s, int code) {
+int position(const DxfSubclass& s, int code) {
   auto c = std::find(std::begin(kCommonOrder), std::end(kCommonOrder), code);
   if (c != std::end(kCommonOrder)) return static_cast<int>(c - std::begin(kCommonOrder));
   auto k = std::find(s.order.begin(), s.order.end(), code);
   if (k != s.order.end()) return static_cast<int>(std::size(kCommonOrder) + static_cast<size_t>(k - s.order.begin()));
   return -1;
+}
+
+// A code's place in the written order, -1 when it has none. The y and z of a point
+// the order names only by its x come right after that x, so that a missing tag is
+// never put between the coordinates of the point before it.
+int rank(const DxfSubclass& s, int code) {
+  if (int p = position(s, code); p >= 0) return 3 * p;
+  const bool y = (code >= 20 && code < 30) || code == 220, z = (code >= 30 && code < 38) || code == 230;
+  if (!y && !z) return -1;
+  const int x = code >= 200 ? 210 : code - (y ? 10 : 20);
+  const int p = position(s, x);
+  return p < 0 ? -1 : 3 * p + (y ? 1 : 2);
 }
 
 }  // namespace

@@ -494,3 +494,24 @@ TEST(DimGeometry, AgreesWithTheBlocksOfRealDrawings) {
   EXPECT_GE(aligned.plain, 0.99 * aligned.compared);
   EXPECT_GE(rotated.plain, 0.98 * rotated.compared);
 }
+
+// Some writers leave the text position out of a dimension without a block; the
+// recompute adds it after the whole definition point, not between its coordinates.
+TEST(DimGeometry, MissingTextPositionIsAddedAfterTheDefinitionPoint) {
+  OdDbDatabasePtr db = OdDbDatabase::createNew(DxfVersion::R2018);
+  auto d = addRotated(*db, {0, 0, 0}, {100, 0, 0}, {50, 20, 0});
+  const OdDbHandle h = d->getDbHandle();
+  DxfTagList& t = d->tagsForWrite();
+  t.erase(std::remove_if(t.begin(), t.end(), [](const DxfTag& x) { return x.code == 11 || x.code == 21 || x.code == 31; }),
+          t.end());
+  OdDbDatabasePtr again = OdDbDatabase::readDxf(db->toDxf());
+  auto dim = openDim(*again, h);
+  ASSERT_EQ(recomputeDimBlock(*dim), eOk);
+  std::vector<int> codes;
+  for (const DxfTag& tag : dim->tags()) codes.push_back(tag.code);
+  const auto at = std::find(codes.begin(), codes.end(), 10);
+  ASSERT_LT(at + 4, codes.end());
+  EXPECT_EQ(std::vector<int>(at, at + 5), (std::vector<int>{10, 20, 30, 11, 21}));
+  OdDbDatabasePtr saved = OdDbDatabase::readDxf(again->toDxf());
+  EXPECT_NEAR(openDim(*saved, h)->textPosition().x, 50, 1e-9);
+}
