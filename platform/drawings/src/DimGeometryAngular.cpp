@@ -1,7 +1,8 @@
 // Angular (two-line and three-point) and arc-length dimensions: a dimension arc
 // about the vertex (or the measured arc's centre) through the arc point, radial
 // extension lines from the measured lines or points out to it, an arrowhead at
-// each end of the arc along its tangent, and the measurement centred on the arc.
+// each end of the arc along its tangent, and the measurement centred on the arc
+// (an arc length's with its symbol, a small half circle, before or above it).
 #include <algorithm>
 #include <cmath>
 #include <numbers>
@@ -27,6 +28,63 @@ double normal(double a) {
 
 
 using Vars = DimVars;
+
+// The text of a dimension as a box in the text's own frame (x along the text, y
+// up) about the middle of its ink: the ink itself, or the ink with the arc-length
+// symbol, which takes room, sets the gap in the dimension arc and decides fit
+// like the text it belongs to.
+struct TextBox {
+  double left = 0, right = 0, bottom = 0, top = 0;
+  double width() const { return right - left; }
+  double height() const { return top - bottom; }
+  Vec middle() const { return {(left + right) / 2, (top + bottom) / 2}; }
+  // How far the box reaches in direction `dir` (world) from the text's middle
+  // when the text runs along `x`.
+  double reach(Vec x, Vec dir) const {
+    const Vec y = x.left();
+    return std::max(left * x.dot(dir), right * x.dot(dir)) + std::max(bottom * y.dot(dir), top * y.dot(dir));
+  }
+};
+
+// The arc-length symbol: a half circle over a chord along the text, bulging to
+// the text's top. Its size follows the height H of the text's ink: radius 0.8 H.
+// Before the text (DIMARCSYM 0) its chord lies 0.4 H below the text's middle, so
+// that it spans the middle of the text's height, and it ends 0.2 H short of the
+// ink; above the text (1) it is centred over the ink and 0.2 H clear of it.
+struct ArcSymbol {
+  bool shown = false;
+  Vec centre;  // in the text's frame, from the middle of its ink
+  double radius = 0.0;
+};
+
+ArcSymbol arcSymbolOf(int placement, const TextExtents& ext) {
+  ArcSymbol s;
+  const double h = ext.height;
+  if ((placement != 0 && placement != 1) || h <= 0) return s;
+  s.shown = true;
+  s.radius = 0.8 * h;
+  s.centre = placement == 0 ? Vec(-ext.width / 2 - h, -0.4 * h) : Vec(0.0, h / 2 + 0.2 * h);
+  return s;
+}
+
+TextBox textBoxOf(const TextExtents& ext, const ArcSymbol& sym) {
+  TextBox b{-ext.width / 2, ext.width / 2, -ext.height / 2, ext.height / 2};
+  if (sym.shown) {
+    b.left = std::min(b.left, sym.centre.x - sym.radius);
+    b.right = std::max(b.right, sym.centre.x + sym.radius);
+    b.bottom = std::min(b.bottom, sym.centre.y);
+    b.top = std::max(b.top, sym.centre.y + sym.radius);
+  }
+  return b;
+}
+
+// The line type the symbol is drawn in: continuous, as the text is, whatever the
+// dimension line's is.
+OdDbObjectId continuousLinetype(const OdDbDatabase* db) {
+  if (!db) return {};
+  auto table = odOpen<OdDbLinetypeTable>(db->getLinetypeTableId());
+  return table ? table->getAt(L"Continuous") : OdDbObjectId();
+}
 
 
 // What is measured, reduced to the same shape for every kind: the sector from
@@ -212,6 +270,8 @@ BlockContents computeAngular(const OdDbDimension& dim) {
   const double height = font.fixedHeight > 0 ? font.fixedHeight : v.txt;
   const TextExtents ext = hasText ? measureText(contents, height, font) : TextExtents{};
   const double gap = std::fabs(v.gap);
+  const ArcSymbol symbol = arcLength && hasText ? arcSymbolOf(dim.dimarcsym(), ext) : ArcSymbol{};
+  const TextBox box = textBoxOf(ext, symbol);
 
   // The arc's length and what needs room on it: the text (with its gap either
   // side where it sits on the arc) and the two arrowheads.
@@ -221,8 +281,8 @@ BlockContents computeAngular(const OdDbDimension& dim) {
   const bool userText = !dim.isUsingDefaultTextPosition();
   const double rotationOverride = dim.textRotation();
   const double insideAngle = rotationOverride != 0 ? rotationOverride : (v.tih ? 0.0 : tangentAngle);
-  const double along = hasText ? ext.width * std::fabs(std::cos(insideAngle - tangentAngle)) +
-                                     ext.height * std::fabs(std::sin(insideAngle - tangentAngle))
+  const double along = hasText ? box.width() * std::fabs(std::cos(insideAngle - tangentAngle)) +
+                                     box.height() * std::fabs(std::sin(insideAngle - tangentAngle))
                                : 0.0;
   const double textNeed = hasText ? along + (v.tad == 0 ? 2 * gap : 0.0) : 0.0;
   const double arrowsNeed = 2 * v.asz;
@@ -244,22 +304,23 @@ BlockContents computeAngular(const OdDbDimension& dim) {
   } else {
     // Outside, the text follows the second end along the arc's tangent, past an
     // arrowhead and its gap. "Above" is the left of the direction the text reads in.
+    // Inside, the text itself is centred on the arc (a symbol before it hangs
+    // out to one side); outside, the text and its symbol keep clear together.
     Vec base = onArc(mid);
     Vec up = Vec::polar(tangentAngle).left();
+    const Vec x = Vec::polar(textAngle);
     if (!textInside) {
       const Vec t = Vec::polar(end).left();
-      base = onArc(end) + t * (2 * v.asz + gap + along / 2);
+      const Vec boxMiddle = x * box.middle().x + x.left() * box.middle().y;
+      base = onArc(end) + t * (2 * v.asz + gap + along / 2 - boxMiddle.dot(t));
       up = Vec::polar(readable(end + kPi / 2)).left();
     }
-    const double across = hasText ? ext.width * std::fabs(std::sin(textAngle - up.angle() + kPi / 2)) / 2 +
-                                        ext.height * std::fabs(std::cos(textAngle - up.angle() + kPi / 2)) / 2
-                                  : 0.0;
     // A negative DIMGAP frames the text that far around it, and the text keeps
     // the gap again outside its frame.
     const double clearance = v.gap < 0 ? 2 * gap : gap;
     if (v.tad == 0) textAt = base + up * (v.tvp * v.txt);
-    else if (v.tad == 4) textAt = base - up * (clearance + across);
-    else textAt = base + up * (clearance + across);
+    else if (v.tad == 4) textAt = base - up * (clearance + (hasText ? box.reach(x, up) : 0.0));
+    else textAt = base + up * (clearance + (hasText ? box.reach(x, -up) : 0.0));
   }
   out.textPosition = textAt;
 
@@ -296,10 +357,12 @@ BlockContents computeAngular(const OdDbDimension& dim) {
   // the text's box (the text and its gap).
   const bool cutsArc = hasText && v.tad == 0;
   const Vec tx = Vec::polar(textAngle), ty = tx.left();
-  const double hw = ext.width / 2 + gap, hh = ext.height / 2 + gap;
+  // (the symbol's room with the text's)
+  const double left = box.left - gap, right = box.right + gap, bottom = box.bottom - gap, top = box.top + gap;
   auto inBox = [&](double a) {
     const Vec q = onArc(a) - textAt;
-    return std::fabs(q.dot(tx)) < hw - 1e-9 * r && std::fabs(q.dot(ty)) < hh - 1e-9 * r;
+    const double qx = q.dot(tx), qy = q.dot(ty), eps = 1e-9 * r;
+    return qx > left + eps && qx < right - eps && qy > bottom + eps && qy < top - eps;
   };
   auto arcPiece = [&](double from, double to, bool cut) {
     if (to - from < 1e-12) return;
@@ -309,7 +372,7 @@ BlockContents computeAngular(const OdDbDimension& dim) {
       // Where the circle crosses each edge's line: (centre - textAt + r (cos a, sin a)).n = k
       // for the edge normal n at offset k.
       const Vec off = c - textAt;
-      const std::pair<Vec, double> edges[] = {{tx, hw}, {tx, -hw}, {ty, hh}, {ty, -hh}};
+      const std::pair<Vec, double> edges[] = {{tx, right}, {tx, left}, {ty, top}, {ty, bottom}};
       for (const auto& [n, k] : edges) {
         const double rhs = k - off.dot(n);
         if (std::fabs(rhs) > r) continue;
@@ -372,6 +435,16 @@ BlockContents computeAngular(const OdDbDimension& dim) {
   if (hasText) {
     items.push_back(textItem(textAt, textAngle, contents, height, v.txsty, v.clrt));
     if (v.gap < 0) appendFrame(items, textAt, tx, ext.width / 2 + gap, ext.height / 2 + gap, dimProps);
+    if (symbol.shown) {
+      Item it;
+      it.kind = ItemKind::Arc;
+      it.p[0] = textAt + tx * symbol.centre.x + ty * symbol.centre.y;
+      it.radius = symbol.radius;
+      it.startAngle = normal(textAngle);
+      it.endAngle = normal(textAngle + kPi);
+      it.props = propsOf(v.clrt, OdDb::kLnWtByBlock, continuousLinetype(db));
+      items.push_back(it);
+    }
   }
   for (const Vec& m : s.marks) items.push_back(pointItem(m));
   return out;
@@ -382,9 +455,7 @@ BlockContents computeAngular(const OdDbDimension& dim) {
 namespace dimgeom {
 
 bool isAngularKind(const OdDbDimension& dim) {
-  // The arc-length symbol (DIMARCSYM 0 before the text, 1 above it) is drawn as an
-  // arc whose size and place are not worked out yet: only arc lengths without it.
-  if (dim.isKindOf(OdDbArcDimension::desc())) return dim.dimarcsym() == 2;
+  if (dim.isKindOf(OdDbArcDimension::desc())) return true;
   const int type = dim.dimensionType();
   return (type == 2 && dim.isKindOf(OdDb2LineAngularDimension::desc())) ||
          (type == 5 && dim.isKindOf(OdDb3PointAngularDimension::desc()));

@@ -227,8 +227,6 @@ TEST(DimGeometryAngular, ArcLengthExtensionLines) {
   setPoint(*d, "AcDbArcDimension", 14, 100 * std::cos(kPi / 3), 100 * std::sin(kPi / 3));
   setPoint(*d, "AcDbDimension", 10, 110 * std::cos(kPi / 6), 110 * std::sin(kPi / 6));
   d->setDimtofl(false);
-  // The symbol (drawn as an arc before or above the text) is not drawn yet.
-  EXPECT_EQ(recomputeDimBlock(*d), eNotImplementedYet);
   d->setDimarcsym(2);
   ASSERT_EQ(recomputeDimBlock(*d), eOk);
   auto b = primitives(d->dimBlockId());
@@ -261,19 +259,25 @@ TEST(DimGeometryAngular, ArcLengthExtensionLines) {
 
 // Recomputed blocks of the angular dimensions of drawings CAD programs saved
 // match the saved ones: every entity's kind, and the arcs and text within 1% of
-// the text height.
+// the text height. So do those of arc lengths with their symbol before the text
+// (in the "txt" font and in Arial, framed and not, reading several ways).
 TEST(DimGeometryAngular, AgreesWithSavedBlocks) {
   if (!fs::exists(CORPUS_DIR)) GTEST_SKIP() << "no corpus";
-  for (const char* file : {"DomCR__ACadSharp__sample_AC1015_ascii.dxf", "DomCR__ACadSharp__sample_AC1032_ascii.dxf",
-                           "LibreDWG__libredwg__2018-TS1.dxf", "gdsestimating__dxf-parser__api-cw750-details.dxf"}) {
+  const std::pair<const char*, bool> drawings[] = {
+      {"DomCR__ACadSharp__sample_AC1015_ascii.dxf", false}, {"DomCR__ACadSharp__sample_AC1032_ascii.dxf", false},
+      {"LibreDWG__libredwg__2018-TS1.dxf", false},          {"gdsestimating__dxf-parser__api-cw750-details.dxf", false},
+      {"LibreDWG__libredwg__example_2000.dxf", true},       {"LibreDWG__libredwg__example_2018.dxf", true},
+      {"mozman__ezdxf__examples_dxf-uncommon.dxf", true},   {"zamtmn__zcad__entities.dxf", true}};
+  for (auto [file, arcLengths] : drawings) {
     SCOPED_TRACE(file);
     OdDbDatabasePtr saved = OdDbDatabase::readDxfFile(testsupport::corpus(file));
     OdDbDatabasePtr ours = OdDbDatabase::readDxfFile(testsupport::corpus(file));
     int compared = 0;
     for (const OdDbObjectId& id : odOpen<OdDbBlockTableRecord>(saved->getModelSpaceId())->entityIds()) {
       auto theirs = odOpen<OdDbDimension>(id);
-      if (!theirs || !(theirs->isKindOf(OdDb2LineAngularDimension::desc()) ||
-                       theirs->isKindOf(OdDb3PointAngularDimension::desc())))
+      if (!theirs || (arcLengths ? !theirs->isKindOf(OdDbArcDimension::desc())
+                                 : !(theirs->isKindOf(OdDb2LineAngularDimension::desc()) ||
+                                     theirs->isKindOf(OdDb3PointAngularDimension::desc()))))
         continue;
       const double h = theirs->dimtxt() * (theirs->dimscale() > 0 ? theirs->dimscale() : 1.0);
       auto mine = odOpen<OdDbDimension>(ours->getOdDbObjectId(id.getHandle()), OdDb::kForWrite);
@@ -290,5 +294,86 @@ TEST(DimGeometryAngular, AgreesWithSavedBlocks) {
       ++compared;
     }
     EXPECT_GT(compared, 0);
+  }
+}
+
+// The arc of radius 100 from 0 to 60 degrees dimensioned 110 out measures "105":
+// digits of the "txt" font, whose ink is as high as the text, 2.5; the frame of
+// a negative gap shows how wide the ink is. The symbol is a half circle of 0.8
+// that height over the text's direction: before the text its centre is one
+// height short of the ink and 0.4 of it below the middle, above it is centred
+// 0.7 of it up; none with DIMARCSYM 2. Text on the arc breaks the arc around
+// the symbol too.
+TEST(DimGeometryAngular, ArcLengthSymbolBeforeAboveOrNone) {
+  if (!fs::exists(CORPUS_DIR)) GTEST_SKIP() << "no corpus";
+  OdDbDatabasePtr db = OdDbDatabase::readDxfFile(testsupport::corpus("LibreDWG__libredwg__example_2000.dxf"));
+  auto d = first<OdDbArcDimension>(*db);
+  ASSERT_TRUE(d);
+  setPoint(*d, "AcDbArcDimension", 15, 0, 0);
+  setPoint(*d, "AcDbArcDimension", 13, 100, 0);
+  setPoint(*d, "AcDbArcDimension", 14, 100 * std::cos(kPi / 3), 100 * std::sin(kPi / 3));
+  setPoint(*d, "AcDbDimension", 10, 110 * std::cos(kPi / 6), 110 * std::sin(kPi / 6));
+  d->setDimdec(0);
+  for (int tad : {1, 0})
+    for (int16_t placement : {0, 1, 2}) {
+      SCOPED_TRACE("DIMTAD " + std::to_string(tad) + ", DIMARCSYM " + std::to_string(placement));
+      d->setDimtad(static_cast<int16_t>(tad));
+      d->setDimgap(tad ? -0.625 : 0.625);
+      d->setDimarcsym(placement);
+      ASSERT_EQ(recomputeDimBlock(*d), eOk);
+      const auto b = primitives(d->dimBlockId());
+      const auto text = std::find_if(b.begin(), b.end(), [](const Prim& p) { return p.kind == "MTEXT"; });
+      const auto sym = std::find_if(b.begin(), b.end(), [](const Prim& p) { return p.kind == "ARC" && p.radius < 100; });
+      ASSERT_NE(text, b.end());
+      if (placement == 2) {
+        EXPECT_EQ(sym, b.end());
+        continue;
+      }
+      ASSERT_NE(sym, b.end());
+      EXPECT_NEAR(sym->radius, 2.0, 1e-9);
+      EXPECT_ANGLE(sym->startAngle, text->angle);
+      EXPECT_ANGLE(sym->endAngle, text->angle + kPi);
+      const double dx = sym->p[0].x - text->p[0].x, dy = sym->p[0].y - text->p[0].y;
+      const double c = std::cos(text->angle), s = std::sin(text->angle);
+      if (tad) {
+        const double halfInk = dist((text + 1)->p[0], (text + 1)->p[1]) / 2 - 0.625;
+        EXPECT_NEAR(dx * c + dy * s, placement == 0 ? -(halfInk + 2.5) : 0.0, 1e-9);
+        EXPECT_NEAR(dy * c - dx * s, placement == 0 ? -1.0 : 1.75, 1e-9);
+        continue;
+      }
+      const double at = std::atan2(sym->p[0].y, sym->p[0].x);
+      for (const Prim& p : b)
+        if (p.kind == "ARC" && p.radius > 100) {
+          EXPECT_FALSE(p.startAngle < at && at < p.endAngle) << p.startAngle;
+        }
+    }
+}
+
+// An arc of radius 2 over 2 radians measures "4", dimensioned 4.6 out: its 9.2
+// hold the text and both arrowheads (5), but not with the symbol before the text
+// (1.8 text heights more): then the arrowheads go outside, their backs off the arc.
+TEST(DimGeometryAngular, ArcLengthSymbolTakesRoomForFit) {
+  if (!fs::exists(CORPUS_DIR)) GTEST_SKIP() << "no corpus";
+  OdDbDatabasePtr db = OdDbDatabase::readDxfFile(testsupport::corpus("LibreDWG__libredwg__example_2000.dxf"));
+  auto d = first<OdDbArcDimension>(*db);
+  ASSERT_TRUE(d);
+  setPoint(*d, "AcDbArcDimension", 15, 0, 0);
+  setPoint(*d, "AcDbArcDimension", 13, 2, 0);
+  setPoint(*d, "AcDbArcDimension", 14, 2 * std::cos(2.0), 2 * std::sin(2.0));
+  setPoint(*d, "AcDbDimension", 10, 4.6 * std::cos(1.0), 4.6 * std::sin(1.0));
+  d->setDimdec(0);
+  d->setDimatfit(3);
+  d->setDimtix(false);
+  for (int16_t placement : {2, 0, 1}) {
+    d->setDimarcsym(placement);
+    ASSERT_EQ(recomputeDimBlock(*d), eOk);
+    int arrowheads = 0;
+    for (const Prim& p : primitives(d->dimBlockId()))
+      if (p.kind == "SOLID") {
+        const double back = std::atan2(p.p[0].y + p.p[1].y, p.p[0].x + p.p[1].x);
+        EXPECT_EQ(back > 0 && back < 2, placement != 0) << "DIMARCSYM " << placement;
+        ++arrowheads;
+      }
+    EXPECT_EQ(arrowheads, 2);
   }
 }

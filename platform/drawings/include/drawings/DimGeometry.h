@@ -12,17 +12,19 @@
 // closed filled arrow, INSERTs of the arrow blocks otherwise), the text (MTEXT;
 // TEXT in R12 drawings) and the definition points on layer "Defpoints".
 //
-// The block record and its BLOCK/ENDBLK are kept (its old entities are erased,
-// so undo brings them back); a dimension without a block gets a new "*D<n>" and
-// its code 2 is set. The text stays at textPosition() when the user placed it
-// (isUsingDefaultTextPosition() false); otherwise its computed middle becomes
-// the dimension's text position. From R2000 on the measurement (code 42) is
-// updated too.
+// The block record and its BLOCK/ENDBLK are kept, and so are its entities while
+// their kinds follow the same order (respelled in place, keeping their handles;
+// the others are erased, so undo brings them back); a dimension without a block
+// gets a new "*D<n>" and its code 2 is set. The text stays at textPosition() when
+// the user placed it (isUsingDefaultTextPosition() false); otherwise its computed
+// middle becomes the dimension's text position. From R2000 on the measurement
+// (code 42) is updated too.
 //
 // Text is measured, for gaps and fit, with metrics of a few fonts (txt, simplex,
 // romans, Arial, Play) kept here; text in other fonts is measured as txt.
 //
-// Rotated, aligned and ordinate dimensions are computed; every other kind returns
-// eNotImplementedYet and is left as it is. eNotInDatabase when the dimension is
-// in no drawing, eNotOpenForWrite when it is not open for write.
+// Every kind of dimension is computed: rotated, aligned, angular (2 lines and
+// 3 points), radial, diametric, ordinate, arc length (with its symbol) and jogged
+// radial. eNotImplementedYet for a dimension class outside these, eNotInDatabase
+// when the dimension is in no drawing, eNotOpenForWrite when it is not open for write.
 OdResult recomputeDimBlock(OdDbDimension& dim);
