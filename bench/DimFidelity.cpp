@@ -9,6 +9,11 @@
 // (DIMTXT x DIMSCALE). "structure" counts blocks whose entities come in the same
 // order with the same layer, colour, linetype and lineweight.
 //
+// The "leader" row takes every leader that points at an MTEXT, recomputes it in
+// the second copy and compares its vertices with the saved ones within 1% of the
+// annotation's text height; it also counts how often the annotation height and
+// width (codes 40, 41) come within 5% of the saved ones.
+//
 // Usage: dim_fidelity [-v N] FILE...
 //        dim_fidelity [-v N] --corpus DIR reference|others
 // With --corpus the files come from DIR/MANIFEST.tsv: "reference" are those a
@@ -32,9 +37,11 @@
 
 #include "drawings/DimGeometry.h"
 #include "drawings/DimText.h"
+#include "drawings/LeaderGeometry.h"
 #include "drawings/OdDbDatabase.h"
 #include "drawings/OdDbDimension.h"
 #include "drawings/OdDbGeometry.h"
+#include "drawings/OdDbLeader.h"
 #include "drawings/OdDbText.h"
 
 namespace {
@@ -387,6 +394,56 @@ void printTextGap(OdDbDatabase& db, const OdDbDimension& dim, const std::vector<
               dim.dimgap() * scale, rel, (stops[0] + stops[1]) / 2, text->text.toUtf8().c_str());
 }
 
+struct LeaderTally {
+  int compared = 0, vertices = 0, size = 0;
+  std::map<std::string, int> reasons;
+};
+
+// Recomputes the copy of `saved` in `ours` and compares the vertices.
+void compareLeader(const OdDbLeader& saved, OdDbDatabase& ours, LeaderTally& t, std::map<std::string, int>& skipped,
+                   const std::string& file, int verbose, int& shown) {
+  auto anno = odOpen<OdDbMText>(saved.annotationObjId());
+  if (saved.annoType() != OdDbLeader::kMText || !anno) {
+    ++skipped["leader: no MTEXT annotation"];
+    return;
+  }
+  auto mine = odOpen<OdDbLeader>(ours.getOdDbObjectId(saved.getDbHandle()), OdDb::kForWrite);
+  const OdResult r = mine ? recomputeLeader(*mine) : eKeyNotFound;
+  if (r != eOk) {
+    ++skipped[std::string("leader: recompute failed: ") + odResultText(r)];
+    return;
+  }
+  const double h = anno->textHeight();
+  ++t.compared;
+  double worst = 0;
+  int worstAt = -1;
+  for (int i = 0; i < saved.numVertices() && i < mine->numVertices(); ++i) {
+    const double d = dist(saved.vertexAt(i), mine->vertexAt(i));
+    if (d > worst) worst = d, worstAt = i;
+  }
+  const bool ok = worst <= 0.01 * h && saved.numVertices() == mine->numVertices();
+  t.vertices += ok;
+  auto near = [](double a, double b) { return std::fabs(a - b) <= 0.05 * std::max(std::fabs(a), std::fabs(b)); };
+  const bool sized = near(saved.annotationHeight(), mine->annotationHeight()) && near(saved.annotationWidth(), mine->annotationWidth());
+  t.size += sized;
+  if (ok && sized) return;
+  const int n = saved.numVertices();
+  const std::string which = ok ? "vertices" : worstAt == n - 1 ? "last vertex" : worstAt == n - 2 && saved.hasHookLine() ? "hook start" : "arm vertex";
+  if (!ok) ++t.reasons[which + " off by " + bucket(worst, h)];
+  if (shown >= verbose) return;
+  ++shown;
+  std::printf("--- %s leader %s h=%g: %s off by %s%s; TAD %d GAP %g ASZ %g SCALE %g attachment %d\n",
+              file.substr(file.find_last_of('/') + 1).c_str(), saved.getDbHandle().ascii().toUtf8().c_str(), h,
+              which.c_str(), fmtHeights(worst, h).c_str(), sized ? "" : ", annotation size differs", saved.dimtad(), saved.dimgap(), saved.dimasz(),
+              saved.dimscale(), static_cast<int>(anno->attachment()));
+  for (int i = 0; i < n; ++i) {
+    const OdGePoint3d a = saved.vertexAt(i), b = mine->vertexAt(i);
+    std::printf("    saved (%.6f, %.6f)  ours (%.6f, %.6f)\n", a.x, a.y, b.x, b.y);
+  }
+  std::printf("    40/41 saved %g/%g ours %g/%g\n", saved.annotationHeight(), saved.annotationWidth(),
+              mine->annotationHeight(), mine->annotationWidth());
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -416,6 +473,7 @@ int main(int argc, char** argv) {
   }
 
   std::map<std::string, Tally> byKind;
+  LeaderTally leaders;
   std::map<std::string, int> skipped;
   int shown = 0;
   for (const std::string& file : files) {
@@ -432,11 +490,15 @@ int main(int argc, char** argv) {
     for (const OdDbObjectId& btrId : blocks->recordIds()) {
       auto btr = odOpen<OdDbBlockTableRecord>(btrId);
       for (const OdDbObjectId& id : btr->entityIds()) {
+        if (auto leader = odOpen<OdDbLeader>(id)) {
+          if (!textGaps) compareLeader(*leader, *ours, leaders, skipped, file, verbose, shown);
+          continue;
+        }
         auto dim = odOpen<OdDbDimension>(id);
         if (!dim) continue;
         const int type = dim->dimensionType();
         std::string kind;
-        if (dim->isKindOf(OdDbArcDimension::desc())) kind = "arclen";
+        if (dim->isKindOf(OdDbArcDimension::desc())) kind = "arc";
         else if (dim->isKindOf(OdDbAlignedDimension::desc()) && (type == 0 || type == 1))
           kind = type == 0 ? "rotated" : "aligned";
         else if (dim->isKindOf(OdDb2LineAngularDimension::desc()) && type == 2) kind = "angular2";
@@ -541,6 +603,10 @@ int main(int argc, char** argv) {
   std::printf("%-8s %9d %10.1f%% %10.1f%% %9.1f%% %9.1f%% %9.1f%%\n", "all", all.compared,
               pct(all.textExact, all.compared), pct(all.textPlain, all.compared), pct(all.textPlace, all.compared),
               pct(all.geometry, all.compared), pct(all.structure, all.compared));
+  if (leaders.compared)
+    std::printf("%-8s %9d %11s %11s %10s %9.1f%% %10s   (annotation size within 5%%: %.1f%%)\n", "leader",
+                leaders.compared, "-", "-", "-", pct(leaders.vertices, leaders.compared), "-",
+                pct(leaders.size, leaders.compared));
   for (auto& [kind, t] : byKind) {
     std::vector<std::pair<int, std::string>> r;
     for (auto& [why, n] : t.reasons) r.emplace_back(n, why);
@@ -558,6 +624,8 @@ int main(int argc, char** argv) {
     if (!r.empty()) std::printf("%s, structure differences (first entity that differs):\n", kind.c_str());
     for (size_t i = 0; i < r.size() && i < 6; ++i) std::printf("  %5d  %s\n", r[i].first, r[i].second.c_str());
   }
+  if (!leaders.reasons.empty()) std::printf("leader, differences:\n");
+  for (auto& [why, n] : leaders.reasons) std::printf("  %5d  %s\n", n, why.c_str());
   for (auto& [why, n] : skipped) std::printf("skipped %s: %d\n", why.c_str(), n);
   return 0;
 }

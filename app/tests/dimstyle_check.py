@@ -10,6 +10,7 @@ Facts (names without blanks):
   style:NAME=absent | present      whether the table holds the style
   entity:HANDLE.dimstyle=NAME      an attribute of an entity
   overrides:HANDLE=dimasz:3,dimtxt:3.5   exactly these DSTYLE overrides ("" for none)
+  leader:HANDLE.vertex-1=x,y       a leader's vertex by index (negative from the end), to 1e-6
 
 Numbers compare as numbers, everything else as text. Prints one line per fact
 that does not hold and fails if there is any."""
@@ -63,6 +64,12 @@ def check(doc, fact):
     elif key.startswith("entity:"):
         handle, _, attribute = key[7:].partition(".")
         actual = attribute_of(entity(doc, handle), attribute)
+    elif key.startswith("leader:"):
+        handle, _, attribute = key[7:].partition(".")
+        vertices = list(entity(doc, handle).vertices)
+        actual = vertices[int(attribute[len("vertex"):])]
+        wanted = [float(c) for c in expected.split(",")]
+        return None if all(abs(a - w) < 1e-6 for a, w in zip(actual, wanted)) else repr(tuple(actual))
     elif key.startswith("overrides:"):
         e = entity(doc, key[10:])
         found = e.get_acad_dstyle(doc.dimstyles.get(e.dxf.dimstyle))

@@ -109,7 +109,9 @@ void OdDbLeader::disableArrowHead() {
   setInt(*this, kLeader, 71, 0, 1);
 }
 
-bool OdDbLeader::hasHookLine() const { return getInt(*this, kLeader, 75, 1) != 0; }
+// Leaders saved without code 75 end in last segments of any length and slope:
+// absent means no hook line.
+bool OdDbLeader::hasHookLine() const { return getInt(*this, kLeader, 75, 0) != 0; }
 
 bool OdDbLeader::isSplined() const { return getInt(*this, kLeader, 72, 0) != 0; }
 void OdDbLeader::setToSplineLeader() {
@@ -119,6 +121,42 @@ void OdDbLeader::setToSplineLeader() {
 void OdDbLeader::setToStraightLeader() {
   assertWriteEnabled();
   setInt(*this, kLeader, 72, 0, 0);
+}
+
+bool OdDbLeader::annotationOnXDir() const { return getInt(*this, kLeader, 74, 1) == 0; }
+void OdDbLeader::setAnnotationOnXDir(bool onXDir) {
+  assertWriteEnabled();
+  setInt(*this, kLeader, 74, onXDir ? 0 : 1, 1);
+}
+
+OdGeVector3d OdDbLeader::horizontalDirection() const {
+  if (find(*this, kLeader, 211) < 0) return {1, 0, 0};
+  const OdGePoint3d p = getPoint(*this, kLeader, 211);
+  return {p.x, p.y, p.z};
+}
+void OdDbLeader::setHorizontalDirection(const OdGeVector3d& dir) {
+  assertWriteEnabled();
+  // Absent means along x: keep it absent for that.
+  if (find(*this, kLeader, 211) < 0 && dir.y == 0 && dir.z == 0 && dir.x > 0) return;
+  setPoint(*this, kLeader, 211, {dir.x, dir.y, dir.z});
+}
+
+OdGeVector3d OdDbLeader::annotationOffset() const {
+  const OdGePoint3d p = getPoint(*this, kLeader, 213);
+  return {p.x, p.y, p.z};
+}
+void OdDbLeader::setAnnotationOffset(const OdGeVector3d& offset) {
+  assertWriteEnabled();
+  if (find(*this, kLeader, 213) < 0 && offset.x == 0 && offset.y == 0 && offset.z == 0) return;
+  setPoint(*this, kLeader, 213, {offset.x, offset.y, offset.z});
+}
+
+double OdDbLeader::annotationHeight() const { return getDouble(*this, kLeader, 40, 0.0); }
+double OdDbLeader::annotationWidth() const { return getDouble(*this, kLeader, 41, 0.0); }
+void OdDbLeader::setAnnotationSize(double height, double width) {
+  assertWriteEnabled();
+  setDouble(*this, kLeader, 40, height);
+  setDouble(*this, kLeader, 41, width);
 }
 
 OdDbLeader::AnnoType OdDbLeader::annoType() const {

@@ -177,6 +177,49 @@ BulgeArc bulgeArc(Pt p0, Pt p1, double b) {
 
 bool isBulge(double b) { return std::abs(b) > 1e-12; }
 
+// The smooth curve of a splined leader: a cubic through every vertex, continuous
+// in its first and second derivatives, parametrised by chord length and leaving
+// the first and last vertices along the first and last segments (so the
+// arrowhead and the hook keep their directions). `startTangent` gets the
+// direction at the first vertex.
+std::vector<Pt> leaderCurve(const std::vector<Pt>& p, Pt* startTangent) {
+  const size_t n = p.size();
+  std::vector<double> h(n - 1);
+  for (size_t i = 0; i + 1 < n; ++i) h[i] = length(p[i + 1] - p[i]);
+  // Derivatives m[i] at the vertices: fixed at the ends, the rest from the
+  // tridiagonal system that matches second derivatives at interior vertices.
+  std::vector<Pt> m(n), rhs(n);
+  std::vector<double> diag(n, 1.0), lower(n, 0.0), upper(n, 0.0);
+  m[0] = (p[1] - p[0]) * (1 / h[0]);
+  m[n - 1] = (p[n - 1] - p[n - 2]) * (1 / h[n - 2]);
+  rhs[0] = m[0];
+  rhs[n - 1] = m[n - 1];
+  for (size_t i = 1; i + 1 < n; ++i) {
+    lower[i] = 1 / h[i - 1];
+    upper[i] = 1 / h[i];
+    diag[i] = 2 * (lower[i] + upper[i]);
+    rhs[i] = (p[i] - p[i - 1]) * (3 / (h[i - 1] * h[i - 1])) + (p[i + 1] - p[i]) * (3 / (h[i] * h[i]));
+  }
+  for (size_t i = 1; i < n; ++i) {  // forward elimination
+    const double w = lower[i] / diag[i - 1];
+    diag[i] -= w * upper[i - 1];
+    rhs[i] = rhs[i] - rhs[i - 1] * w;
+  }
+  m[n - 1] = rhs[n - 1] * (1 / diag[n - 1]);
+  for (size_t i = n - 1; i-- > 0;) m[i] = (rhs[i] - m[i + 1] * upper[i]) * (1 / diag[i]);
+  if (startTangent) *startTangent = m[0];
+  constexpr int kSteps = 16;  // per span: the curve turns little between vertices
+  std::vector<Pt> out{p[0]};
+  for (size_t i = 0; i + 1 < n; ++i) {
+    for (int k = 1; k <= kSteps; ++k) {
+      const double s = static_cast<double>(k) / kSteps, s2 = s * s, s3 = s2 * s;
+      const double h00 = 2 * s3 - 3 * s2 + 1, h10 = s3 - 2 * s2 + s, h01 = -2 * s3 + 3 * s2, h11 = s3 - s2;
+      out.push_back(p[i] * h00 + m[i] * (h10 * h[i]) + p[i + 1] * h01 + m[i + 1] * (h11 * h[i]));
+    }
+  }
+  return out;
+}
+
 }  // namespace
 
 // ---- primitives ----
@@ -742,7 +785,7 @@ private:
     } else if (name == "SPLINE") {
       spline(t);
     } else if (auto leader = OdDbLeader::cast(&e)) {
-      drawLeader(*leader);
+      drawLeader(*leader, t, fr);
     } else if (name == "TEXT") {
       text(e, t, t.find(1), 73);
     } else if (name == "ATTDEF") {
@@ -895,20 +938,77 @@ private:
     m_s.path(pts, false);
   }
 
-  void drawLeader(const OdDbLeader& leader) {
+  // A leader draws in its style's dimension-line colour and lineweight. ByBlock
+  // there stands for the leader's own (or the colour its code 77 keeps for that
+  // case), ByLayer for the leader's layer.
+  void leaderTraits(const OdDbLeader& leader, const Tags& t, const Frame& fr) {
+    OdString layerName = leader.layer();
+    if (fr.inBlock && layerName == L"0") layerName = fr.refLayer;
+    const State::LayerInfo& layer = m_s.layerInfo(layerName);
+    const OdCmColor c = leader.dimclrd();
+    if (c.isByLayer()) {
+      m_s.traits.color = layer.color;
+    } else if (c.isByBlock()) {
+      const long kept = t.integer(77, 0);
+      if (kept >= 1 && kept <= 255) m_s.traits.color = OdGiColor::fromAci(static_cast<int>(kept));
+      else if (kept == 256) m_s.traits.color = layer.color;
+    } else if (c.isByACI()) {
+      m_s.traits.color = OdGiColor::fromAci(c.colorIndex());
+    } else if (c.isByColor()) {
+      m_s.traits.color = {c.red(), c.green(), c.blue(), false};
+    }
+    const int lw = leader.dimlwd();
+    if (lw == OdDb::kLnWtByLayer) m_s.traits.lineWeight = layer.lineWeight < 0 ? m_s.lineWeightDefault : layer.lineWeight;
+    else if (lw == OdDb::kLnWtByLwDefault) m_s.traits.lineWeight = m_s.lineWeightDefault;
+    else if (lw >= 0) m_s.traits.lineWeight = lw;
+  }
+
+  void drawLeader(const OdDbLeader& leader, const Tags& t, const Frame& fr) {
     std::vector<Pt> pts;
-    for (int i = 0; i < leader.numVertices(); ++i) pts.push_back(xy(leader.vertexAt(i)));
-    m_s.path(pts, false);
+    for (int i = 0; i < leader.numVertices(); ++i) {
+      const Pt p = xy(leader.vertexAt(i));
+      if (pts.empty() || length(p - pts.back()) > 0) pts.push_back(p);
+    }
+    leaderTraits(leader, t, fr);
+    const Affine placed = m_s.xf;
+    Pt tangent = pts.size() >= 2 ? pts[1] - pts[0] : Pt{};
+    if (leader.isSplined() && pts.size() > 2) {
+      std::vector<Pt> curve = leaderCurve(pts, &tangent);
+      m_s.path(curve, false);
+    } else {
+      m_s.path(pts, false);
+    }
     if (pts.size() < 2 || !leader.hasArrowHead()) return;
-    double scale = leader.dimscale() > 0 ? leader.dimscale() : 1.0;
-    double size = leader.dimasz() * scale;
-    Pt d = pts[1] - pts[0];
-    double len = length(d);
-    // Too short a first segment leaves no room for the arrowhead.
-    if (size <= 0 || len < size) return;
-    Pt u = d * (1 / len), n = Pt{-u.y, u.x} * (size / 6);
-    Pt base = pts[0] + u * size;
-    m_s.fill({pts[0], base + n, base - n});
+    const double scale = leader.dimscale() > 0 ? leader.dimscale() : 1.0;
+    const double size = leader.dimasz() * scale;
+    // A first segment shorter than the arrowhead leaves no room for it.
+    if (!(size > 0) || length(pts[1] - pts[0]) < size || length(tangent) == 0) return;
+    const Pt u = tangent * (1 / length(tangent));
+    const OdDbObjectId arrow = leader.dimldrblk();
+    if (arrow.isNull()) {  // closed filled: no block
+      const Pt n = Pt{-u.y, u.x} * (size / 6);
+      const Pt base = pts[0] + u * size;
+      m_s.fill({pts[0], base + n, base - n});
+      return;
+    }
+    auto block = odOpen<OdDbBlockTableRecord>(arrow);
+    if (!block || !enter(fr)) return;
+    // Arrow blocks point along +X with the tip at their base point; the leader's
+    // tip points back along its first segment.
+    OdGePoint3d base;
+    if (auto begin = block->blockBegin.openObject()) base = Tags(*begin).pointOr(10);
+    Frame child;
+    child.depth = fr.depth + 1;
+    child.inBlock = true;
+    child.refLayer = leader.layer();
+    if (fr.inBlock && child.refLayer == L"0") child.refLayer = fr.refLayer;
+    child.byBlockColor = m_s.traits.color;
+    child.byBlockLineWeight = m_s.traits.lineWeight;
+    child.xf = placed.after(Affine::translation(pts[0]))
+                   .after(Affine::rotation(std::atan2(-u.y, -u.x)))
+                   .after(Affine::scaling(size, size))
+                   .after(Affine::translation({-base.x, -base.y}));
+    drawBlock(arrow, child);
   }
 
   // TEXT, ATTRIB and ATTDEF: `value` is the string shown, `verticalCode` where the

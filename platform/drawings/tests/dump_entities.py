@@ -92,7 +92,8 @@ def properties(e):
         return {
             "vertices": [point(v) for v in e.vertices],
             "arrowhead": bool(d.has_arrowhead),
-            "hookline": bool(d.has_hookline),
+            # Without code 75 a leader has no hook line (its last segment is as drawn).
+            "hookline": bool(d.get("has_hookline", 0)),
             "annotation_type": d.annotation_type,
             "annotation": d.get("annotation_handle", ""),
             "dimstyle": d.dimstyle,

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "drawings/DimGeometry.h"
+#include "drawings/LeaderGeometry.h"
 #include "drawings/OdDbDimension.h"
 #include "host/HostServices.h"
 #include "host/IVxContext.h"
@@ -15,7 +16,7 @@ OdDbObjectIdArray hostAllDimensions(const OdDbDatabase& db) {
     auto btr = odOpen<OdDbBlockTableRecord>(btrId);
     if (!btr) continue;
     for (const OdDbObjectId& id : btr->entityIds())
-      if (auto d = odOpen<OdDbDimension>(id)) out.push_back(id);
+      if (odOpen<OdDbDimension>(id) || odOpen<OdDbLeader>(id)) out.push_back(id);
   }
   return out;
 }
@@ -23,6 +24,14 @@ OdDbObjectIdArray hostAllDimensions(const OdDbDatabase& db) {
 HostDimRegenCount hostRecomputeDimensions(const OdDbObjectIdArray& ids) {
   HostDimRegenCount n;
   for (const OdDbObjectId& id : ids) {
+    if (auto l = odOpen<OdDbLeader>(id, OdDb::kForWrite)) {
+      switch (recomputeLeader(*l)) {
+        case eOk: ++n.leaders; break;
+        case eNotImplementedYet: ++n.notYet; break;
+        default: ++n.failed;
+      }
+      continue;
+    }
     auto d = odOpen<OdDbDimension>(id, OdDb::kForWrite);
     if (!d) continue;
     switch (recomputeDimBlock(*d)) {
@@ -52,8 +61,8 @@ void hostDimRegenCommand() {
     return;
   }
   const HostDimRegenCount n = hostRecomputeDimensions(ids);
-  std::string line = std::to_string(n.recomputed) + " dimension(s) recomputed, " + std::to_string(n.notYet) +
-                     " of kinds not computed yet";
+  std::string line = std::to_string(n.recomputed) + " dimension(s) and " + std::to_string(n.leaders) +
+                     " leader(s) recomputed, " + std::to_string(n.notYet) + " of kinds not computed yet";
   if (n.failed) line += ", " + std::to_string(n.failed) + " failed";
   ctx->print(OdString::fromUtf8(line + "."));
 }

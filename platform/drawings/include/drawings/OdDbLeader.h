@@ -32,6 +32,24 @@ public:
   void setToSplineLeader();
   void setToStraightLeader();
 
+  // Where the annotation lies from the last vertex along the horizontal
+  // direction: true on its side (code 74 = 0; the hook line then runs back against
+  // the direction), false on the other (74 = 1, the default).
+  bool annotationOnXDir() const;
+  void setAnnotationOnXDir(bool onXDir);
+  // The annotation's horizontal direction in world coordinates (211), (1, 0, 0)
+  // when the leader does not store one.
+  OdGeVector3d horizontalDirection() const;
+  void setHorizontalDirection(const OdGeVector3d& dir);
+  // The last vertex's offset from where the annotation places it (213), zero
+  // when absent: what the user moved the leader's end off its annotation.
+  OdGeVector3d annotationOffset() const;
+  void setAnnotationOffset(const OdGeVector3d& offset);
+  // The annotation's height and width as the leader last saw them (40, 41).
+  double annotationHeight() const;
+  double annotationWidth() const;
+  void setAnnotationSize(double height, double width);
+
   AnnoType annoType() const;
   // Null when there is none or it is not in the drawing.
   OdDbObjectId annotationObjId() const;

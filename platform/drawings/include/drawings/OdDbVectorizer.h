@@ -6,7 +6,10 @@
 // LWPOLYLINE and POLYLINE (2D, 3D, polyface and polygon meshes), ELLIPSE, SPLINE,
 // TEXT, MTEXT, ATTRIB, ATTDEF (outside blocks only, showing its tag), INSERT and
 // MINSERT (their block, recursively), every dimension (its block) and LEADER (its
-// path with a filled arrowhead). Anything else is skipped and counted.
+// vertices joined straight or, when splined, by a smooth curve through them; the
+// arrowhead its DIMLDRBLK names, DIMASZ x DIMSCALE large, left out when the first
+// segment is shorter than that; colour and lineweight from DIMCLRD and DIMLWD).
+// Anything else is skipped and counted.
 //
 // Polyline bulges are flattened into chords (as are ellipses and splines), so
 // sinks see straight segments only; widths > 0 become filled outlines, one per

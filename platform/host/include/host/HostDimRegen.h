@@ -1,11 +1,12 @@
 // DIMREGEN: recomputes the blocks that dimensions show from their points and
-// variables.
+// variables, and re-places leaders on their annotations (LeaderGeometry.h).
 //   Dimensions to recompute [ALL/Select] <ALL>:
-// ALL (or Enter) takes every dimension of the drawing: model space, the paper
-// space layouts and the block definitions. Select asks for objects with the
-// selection service ("Select objects: ") and keeps the dimensions among them.
-// It ends with "N dimension(s) recomputed, M of kinds not computed yet."; the
-// dimensions of kinds the geometry engine does not compute yet keep their blocks.
+// ALL (or Enter) takes every dimension and leader of the drawing: model space,
+// the paper space layouts and the block definitions. Select asks for objects with
+// the selection service ("Select objects: ") and keeps the dimensions and leaders
+// among them. It ends with "N dimension(s) and L leader(s) recomputed, M of kinds
+// not computed yet."; dimensions of kinds the geometry engine does not compute
+// yet keep their blocks, leaders pointing at tolerances or blocks their vertices.
 // The command runs in one undo group, so UNDO takes all of it back at once.
 #pragma once
 
@@ -13,14 +14,15 @@
 #include "drawings/OdDbObjectId.h"
 
 struct HostDimRegenCount {
-  int recomputed = 0;
+  int recomputed = 0;  // dimensions
+  int leaders = 0;     // leaders re-placed (or with nothing to place)
   int notYet = 0;   // kinds that return eNotImplementedYet
   int failed = 0;   // any other error
 };
 
-// Every dimension in every block record of the drawing (layouts included).
+// Every dimension and leader in every block record of the drawing (layouts included).
 OdDbObjectIdArray hostAllDimensions(const OdDbDatabase& db);
-// Recomputes the dimensions among `ids`; other entities are skipped.
+// Recomputes the dimensions and leaders among `ids`; other entities are skipped.
 HostDimRegenCount hostRecomputeDimensions(const OdDbObjectIdArray& ids);
 // The command, talking through the installed host context.
 void hostDimRegenCommand();

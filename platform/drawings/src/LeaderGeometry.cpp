@@ -1,0 +1,129 @@
+#include "drawings/LeaderGeometry.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <vector>
+
+#include "drawings/DimText.h"
+#include "drawings/OdDbText.h"
+#include "drawings/OdGiTextMetrics.h"
+
+namespace {
+
+// MTEXT lines are 5/3 of the text height apart at line spacing factor 1.
+constexpr double kLineSpacing = 5.0 / 3.0;
+
+OdGeVector3d operator*(const OdGeVector3d& v, double s) { return {v.x * s, v.y * s, v.z * s}; }
+OdGeVector3d operator+(const OdGeVector3d& a, const OdGeVector3d& b) { return {a.x + b.x, a.y + b.y, a.z + b.z}; }
+OdGePoint3d operator+(const OdGePoint3d& p, const OdGeVector3d& v) { return {p.x + v.x, p.y + v.y, p.z + v.z}; }
+OdGePoint3d operator-(const OdGePoint3d& p, const OdGeVector3d& v) { return {p.x - v.x, p.y - v.y, p.z - v.z}; }
+OdGeVector3d operator-(const OdGePoint3d& a, const OdGePoint3d& b) { return {a.x - b.x, a.y - b.y, a.z - b.z}; }
+double dot(const OdGeVector3d& a, const OdGeVector3d& b) { return a.x * b.x + a.y * b.y + a.z * b.z; }
+OdGeVector3d cross(const OdGeVector3d& u, const OdGeVector3d& v) {
+  return {u.y * v.z - u.z * v.y, u.z * v.x - u.x * v.z, u.x * v.y - u.y * v.x};
+}
+OdGeVector3d unit(const OdGeVector3d& v, const OdGeVector3d& fallback) {
+  const double l = std::sqrt(dot(v, v));
+  return l > 0 ? v * (1 / l) : fallback;
+}
+
+// The MTEXT's extrusion direction (210), +Z when absent.
+OdGeVector3d normalOf(const OdDbMText& m) {
+  auto coord = [&](int code, double dflt) {
+    auto v = m.firstValue(code);
+    return v ? std::strtod(v->c_str(), nullptr) : dflt;
+  };
+  return {coord(210, 0.0), coord(220, 0.0), coord(230, 1.0)};
+}
+
+struct Box {
+  double height = 0, width = 0;
+};
+
+// The annotation's lines as set (paragraph breaks only; no wrapping), measured
+// from the top of the first line (its capitals, or its ink where that is
+// higher) to the lowest ink of the last.
+Box measure(const OdDbMText& m) {
+  Box box;
+  const double h = m.textHeight();
+  if (!(h > 0)) return box;
+  const OdGiTextStyle style = OdGiTextStyle::fromId(m.textStyle());
+  const OdGiTextMetrics& metrics = odTextMetrics();
+  double factor = 1.0;
+  if (auto f = m.firstValue(44)) factor = std::strtod(f->c_str(), nullptr);
+  if (!(factor > 0)) factor = 1.0;
+  const double pitch = kLineSpacing * h * factor;
+  std::vector<OdString> lines;
+  const OdString text = odMTextPlainText(m.contents());
+  const std::wstring_view plain = text.view();
+  for (size_t start = 0;;) {
+    const size_t end = plain.find(L'\n', start);
+    lines.emplace_back(std::wstring(plain.substr(start, end == plain.npos ? plain.npos : end - start)));
+    if (end == plain.npos) break;
+    start = end + 1;
+  }
+  double top = h, bottom = 0;
+  for (size_t i = 0; i < lines.size(); ++i) {
+    const OdGiTextExtents e = metrics.extents(lines[i], h, style);
+    const double baseline = -pitch * static_cast<double>(i);
+    if (i == 0 && !e.empty()) top = std::max(top, e.maxY);
+    bottom = baseline + (e.empty() ? 0.0 : std::min(0.0, e.minY));
+    box.width = std::max(box.width, e.width());
+  }
+  box.height = top - bottom;
+  return box;
+}
+
+}  // namespace
+
+OdResult recomputeLeader(OdDbLeader& leader) {
+  OdDbDatabase* db = leader.database();
+  if (!db) return eNotInDatabase;
+  if (!leader.isWriteEnabled()) return eNotOpenForWrite;
+  const OdDbLeader::AnnoType type = leader.annoType();
+  if (type == OdDbLeader::kNoAnno) return eOk;
+  if (type != OdDbLeader::kMText) return eNotImplementedYet;
+  // A leader whose annotation is gone (erased, or never saved with it) keeps its end.
+  const OdDbObjectId annoId = leader.annotationObjId();
+  if (annoId.isNull() || !annoId.openObject()) return eOk;
+  auto mtext = odOpen<OdDbMText>(annoId);
+  if (!mtext) return eNotImplementedYet;
+  const int n = leader.numVertices();
+  if (n < 2) return eOk;
+
+  const OdGeVector3d normal = unit(normalOf(*mtext), {0, 0, 1});
+  const OdGeVector3d u = unit(mtext->direction(), {1, 0, 0});
+  const OdGeVector3d v = unit(cross(normal, u), {0, 1, 0});
+  const OdGePoint3d at = mtext->location();
+
+  const double scale = leader.dimscale() > 0 ? leader.dimscale() : 1.0;
+  const double gap = std::fabs(leader.dimgap()) * scale;
+  const double hook = leader.dimasz() * scale;
+  const bool hooked = leader.hasHookLine() && n >= 3;
+
+  // The side: from the end of the arm to the annotation, along the horizontal.
+  const OdGePoint3d armEnd = leader.vertexAt(n - (hooked ? 3 : 2));
+  const double across = dot(at - armEnd, u);
+  const double tiny = 1e-9 * std::max(1.0, mtext->textHeight());
+  bool onXDir = leader.annotationOnXDir() == (dot(leader.horizontalDirection(), u) >= 0);
+  if (std::fabs(across) > tiny) onXDir = across > 0;
+  const double side = onXDir ? 1.0 : -1.0;
+
+  const Box box = measure(*mtext);
+  OdGePoint3d anchor = at - u * (side * gap);
+  if (leader.dimtad() != 0) {
+    // Under the text: from the attachment's row down to the box's bottom, then the gap.
+    const int row = (static_cast<int>(mtext->attachment()) - 1) / 3;
+    const double down = row == 0 ? box.height : row == 1 ? box.height / 2 : 0.0;
+    anchor = anchor - v * (down + gap);
+  }
+  const OdGePoint3d last = anchor + leader.annotationOffset();
+
+  leader.setVertexAt(n - 1, last);
+  if (hooked) leader.setVertexAt(n - 2, last - u * (side * hook));
+  leader.setHorizontalDirection(u);
+  leader.setAnnotationOnXDir(onXDir);
+  leader.setAnnotationSize(box.height, box.width);
+  return eOk;
+}
