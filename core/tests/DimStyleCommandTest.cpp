@@ -292,8 +292,8 @@ TEST_F(DimStyleCommandTest, SaveWritesEveryCodeOfOldRecordsAndOldNamesInCapitals
 TEST_F(DimStyleCommandTest, ApplyLeavesExactlyTheCurrentOverridesOnDimensionsAndLeaders) {
   OdDbDatabasePtr db = readSample();
   const OdDbObjectId iso = db->dimstyle();
-  const OdDbObjectId dimTxt = byHandle(*db, 0x87), dimTol = byHandle(*db, 0xA5), leader = byHandle(*db, 0x10B),
-                     annotative = byHandle(*db, 0xB4), untouched = byHandle(*db, 0x55), line = byHandle(*db, 0x3E);
+  const OdDbObjectId dimTxt = byHandle(*db, 0x82), dimTol = byHandle(*db, 0x9C), leader = byHandle(*db, 0xF3),
+                     annotative = byHandle(*db, 0xA9), untouched = byHandle(*db, 0x5A), line = byHandle(*db, 0x43);
   ASSERT_EQ(overrideRows(*odOpen<OdDbDimension>(dimTol)).size(), 3u);
   const std::vector<std::size_t> current = [] {
     std::vector<std::size_t> rows{rowOf(L"DIMASZ"), rowOf(L"DIMTXT"), rowOf(L"DIMCLRD")};

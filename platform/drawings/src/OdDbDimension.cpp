@@ -30,23 +30,94 @@ const DxfSubclass kDimension = subclass("AcDbDimension");
 
 }  // namespace
 
-OdSmartPtr<OdDbRotatedDimension> OdDbRotatedDimension::createFor(const OdDbDatabase& db) {
-  static const DxfSubclass aligned = subclass("AcDbAlignedDimension");
-  static const DxfSubclass rotated = subclass("AcDbRotatedDimension");
+namespace {
+
+// The common part of a new dimension: its first defining point and text position
+// at the origin, the type code and the current dimension style.
+DxfTagList commonTags(const OdDbDatabase& db, int type) {
   const OdGePoint3d origin;
   DxfTagList common = entitytags::pointTags(10, origin);
   DxfTagList text = entitytags::pointTags(11, origin);
   common.insert(common.end(), text.begin(), text.end());
   // Bit 32: the block belongs to this dimension alone (R12 files do not set it).
-  common.emplace_back(70, db.version() > DxfVersion::R12 ? "32" : "0");
+  common.emplace_back(70, std::to_string(db.version() > DxfVersion::R12 ? type | 32 : type));
   common.emplace_back(3, db.codec().encode(db.headerString("$DIMSTYLE", L"Standard").view()));
-  DxfTagList points = entitytags::pointTags(13, origin);
-  DxfTagList second = entitytags::pointTags(14, origin);
-  points.insert(points.end(), second.begin(), second.end());
+  return common;
+}
+
+// Point tags at the origin for each code.
+DxfTagList originPoints(std::initializer_list<int> codes) {
+  DxfTagList out;
+  for (int code : codes) {
+    DxfTagList p = entitytags::pointTags(code, OdGePoint3d());
+    out.insert(out.end(), p.begin(), p.end());
+  }
+  return out;
+}
+
+template <class T>
+OdSmartPtr<T> newDimension(const OdDbDatabase& db, std::string_view dxfName, DxfVersion firstVersion, int type,
+                           std::string_view marker, const DxfTagList& own) {
+  static const DxfSubclass mine = subclass(marker);
+  OdSmartPtr<T> d = T::createObject();
+  entitytags::frame(*d, db, dxfName, firstVersion, {{&kDimension, commonTags(db, type)}, {&mine, own}});
+  return d;
+}
+
+}  // namespace
+
+OdSmartPtr<OdDbRotatedDimension> OdDbRotatedDimension::createFor(const OdDbDatabase& db) {
+  static const DxfSubclass aligned = subclass("AcDbAlignedDimension");
+  static const DxfSubclass rotated = subclass("AcDbRotatedDimension");
   OdSmartPtr<OdDbRotatedDimension> d = OdDbRotatedDimension::createObject();
   entitytags::frame(*d, db, "DIMENSION", DxfVersion::R12,
-                    {{&kDimension, common}, {&aligned, points}, {&rotated, DxfTagList()}});
+                    {{&kDimension, commonTags(db, 0)}, {&aligned, originPoints({13, 14})}, {&rotated, DxfTagList()}});
   return d;
+}
+
+OdSmartPtr<OdDbAlignedDimension> OdDbAlignedDimension::createFor(const OdDbDatabase& db) {
+  return newDimension<OdDbAlignedDimension>(db, "DIMENSION", DxfVersion::R12, 1, "AcDbAlignedDimension",
+                                            originPoints({13, 14}));
+}
+
+OdSmartPtr<OdDb2LineAngularDimension> OdDb2LineAngularDimension::createFor(const OdDbDatabase& db) {
+  return newDimension<OdDb2LineAngularDimension>(db, "DIMENSION", DxfVersion::R12, 2, "AcDb2LineAngularDimension",
+                                                 originPoints({13, 14, 15, 16}));
+}
+
+OdSmartPtr<OdDb3PointAngularDimension> OdDb3PointAngularDimension::createFor(const OdDbDatabase& db) {
+  return newDimension<OdDb3PointAngularDimension>(db, "DIMENSION", DxfVersion::R12, 5, "AcDb3PointAngularDimension",
+                                                  originPoints({13, 14, 15}));
+}
+
+OdSmartPtr<OdDbDiametricDimension> OdDbDiametricDimension::createFor(const OdDbDatabase& db) {
+  DxfTagList own = originPoints({15});
+  own.emplace_back(40, "0.0");
+  return newDimension<OdDbDiametricDimension>(db, "DIMENSION", DxfVersion::R12, 3, "AcDbDiametricDimension", own);
+}
+
+OdSmartPtr<OdDbRadialDimension> OdDbRadialDimension::createFor(const OdDbDatabase& db) {
+  DxfTagList own = originPoints({15});
+  own.emplace_back(40, "0.0");
+  return newDimension<OdDbRadialDimension>(db, "DIMENSION", DxfVersion::R12, 4, "AcDbRadialDimension", own);
+}
+
+OdSmartPtr<OdDbOrdinateDimension> OdDbOrdinateDimension::createFor(const OdDbDatabase& db) {
+  return newDimension<OdDbOrdinateDimension>(db, "DIMENSION", DxfVersion::R12, 6, "AcDbOrdinateDimension",
+                                             originPoints({13, 14}));
+}
+
+OdSmartPtr<OdDbArcDimension> OdDbArcDimension::createFor(const OdDbDatabase& db) {
+  // After the three points: the arc's start and end angles, "partial" and "has
+  // leader" flags (both off) and the two leader points, unused without a leader.
+  DxfTagList own = originPoints({13, 14, 15});
+  own.emplace_back(40, "0.0");
+  own.emplace_back(41, "0.0");
+  own.emplace_back(70, "0");
+  own.emplace_back(71, "0");
+  DxfTagList leader = originPoints({16, 17});
+  own.insert(own.end(), leader.begin(), leader.end());
+  return newDimension<OdDbArcDimension>(db, "ARC_DIMENSION", DxfVersion::R2004, 5, "AcDbArcDimension", own);
 }
 
 const OdRxClass* odDimensionClassOfType(int typeCode) {
@@ -156,6 +227,30 @@ double OdDbRadialDimension::leaderLength() const {
 }
 
 bool OdDbOrdinateDimension::isUsingXAxis() const { return (entitytags::getInt(*this, kDimension, 70, 0) & 64) != 0; }
+
+void OdDbOrdinateDimension::setUsingXAxis(bool xAxis) {
+  assertWriteEnabled();
+  const int64_t flags = entitytags::getInt(*this, kDimension, 70, 0);
+  entitytags::setInt(*this, kDimension, 70, xAxis ? flags | 64 : flags & ~int64_t{64});
+}
+
+double OdDbArcDimension::arcStartParam() const {
+  return entitytags::getDouble(*this, subclass("AcDbArcDimension"), 40, 0.0);
+}
+
+double OdDbArcDimension::arcEndParam() const {
+  return entitytags::getDouble(*this, subclass("AcDbArcDimension"), 41, 0.0);
+}
+
+void OdDbArcDimension::setArcStartParam(double radians) {
+  assertWriteEnabled();
+  entitytags::setDouble(*this, subclass("AcDbArcDimension"), 40, radians);
+}
+
+void OdDbArcDimension::setArcEndParam(double radians) {
+  assertWriteEnabled();
+  entitytags::setDouble(*this, subclass("AcDbArcDimension"), 41, radians);
+}
 
 OdDbObjectId OdDbDimension::dimAssocId() const {
   auto ext = odOpen<OdDbDictionary>(extensionDictionary());

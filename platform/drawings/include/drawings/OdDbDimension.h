@@ -51,6 +51,8 @@ class OdDbAlignedDimension : public OdDbDimension {
   ODRX_DECLARE_MEMBERS(OdDbAlignedDimension)
 
 public:
+  // A new aligned dimension (type 1), made like OdDbRotatedDimension::createFor.
+  static OdSmartPtr<OdDbAlignedDimension> createFor(const OdDbDatabase& db);
   OdGePoint3d xLine1Point() const { return point("AcDbAlignedDimension", 13); }
   void setXLine1Point(const OdGePoint3d& p) { setPoint("AcDbAlignedDimension", 13, p); }
   OdGePoint3d xLine2Point() const { return point("AcDbAlignedDimension", 14); }
@@ -75,29 +77,45 @@ class OdDb2LineAngularDimension : public OdDbDimension {
   ODRX_DECLARE_MEMBERS(OdDb2LineAngularDimension)
 
 public:
+  // New dimensions of the other kinds are made like OdDbRotatedDimension::createFor:
+  // every defining point at the origin until it is set, the current style, no block.
+  static OdSmartPtr<OdDb2LineAngularDimension> createFor(const OdDbDatabase& db);
   OdGePoint3d xLine1Start() const { return point("AcDb2LineAngularDimension", 13); }
+  void setXLine1Start(const OdGePoint3d& p) { setPoint("AcDb2LineAngularDimension", 13, p); }
   OdGePoint3d xLine1End() const { return point("AcDb2LineAngularDimension", 14); }
+  void setXLine1End(const OdGePoint3d& p) { setPoint("AcDb2LineAngularDimension", 14, p); }
   OdGePoint3d xLine2Start() const { return point("AcDbDimension", 10); }
+  void setXLine2Start(const OdGePoint3d& p) { setPoint("AcDbDimension", 10, p); }
   OdGePoint3d xLine2End() const { return point("AcDb2LineAngularDimension", 15); }
+  void setXLine2End(const OdGePoint3d& p) { setPoint("AcDb2LineAngularDimension", 15, p); }
   OdGePoint3d arcPoint() const { return point("AcDb2LineAngularDimension", 16); }
+  void setArcPoint(const OdGePoint3d& p) { setPoint("AcDb2LineAngularDimension", 16, p); }
 };
 
 class OdDb3PointAngularDimension : public OdDbDimension {
   ODRX_DECLARE_MEMBERS(OdDb3PointAngularDimension)
 
 public:
+  static OdSmartPtr<OdDb3PointAngularDimension> createFor(const OdDbDatabase& db);
   OdGePoint3d xLine1Point() const { return point("AcDb3PointAngularDimension", 13); }
+  void setXLine1Point(const OdGePoint3d& p) { setPoint("AcDb3PointAngularDimension", 13, p); }
   OdGePoint3d xLine2Point() const { return point("AcDb3PointAngularDimension", 14); }
+  void setXLine2Point(const OdGePoint3d& p) { setPoint("AcDb3PointAngularDimension", 14, p); }
   OdGePoint3d centerPoint() const { return point("AcDb3PointAngularDimension", 15); }
+  void setCenterPoint(const OdGePoint3d& p) { setPoint("AcDb3PointAngularDimension", 15, p); }
   OdGePoint3d arcPoint() const { return point("AcDbDimension", 10); }
+  void setArcPoint(const OdGePoint3d& p) { setPoint("AcDbDimension", 10, p); }
 };
 
 class OdDbDiametricDimension : public OdDbDimension {
   ODRX_DECLARE_MEMBERS(OdDbDiametricDimension)
 
 public:
+  static OdSmartPtr<OdDbDiametricDimension> createFor(const OdDbDatabase& db);
   OdGePoint3d chordPoint() const { return point("AcDbDiametricDimension", 15); }
+  void setChordPoint(const OdGePoint3d& p) { setPoint("AcDbDiametricDimension", 15, p); }
   OdGePoint3d farChordPoint() const { return point("AcDbDimension", 10); }
+  void setFarChordPoint(const OdGePoint3d& p) { setPoint("AcDbDimension", 10, p); }
   double leaderLength() const;
 };
 
@@ -105,8 +123,11 @@ class OdDbRadialDimension : public OdDbDimension {
   ODRX_DECLARE_MEMBERS(OdDbRadialDimension)
 
 public:
+  static OdSmartPtr<OdDbRadialDimension> createFor(const OdDbDatabase& db);
   OdGePoint3d chordPoint() const { return point("AcDbRadialDimension", 15); }
+  void setChordPoint(const OdGePoint3d& p) { setPoint("AcDbRadialDimension", 15, p); }
   OdGePoint3d center() const { return point("AcDbDimension", 10); }
+  void setCenter(const OdGePoint3d& p) { setPoint("AcDbDimension", 10, p); }
   double leaderLength() const;
 };
 
@@ -114,20 +135,36 @@ class OdDbOrdinateDimension : public OdDbDimension {
   ODRX_DECLARE_MEMBERS(OdDbOrdinateDimension)
 
 public:
+  static OdSmartPtr<OdDbOrdinateDimension> createFor(const OdDbDatabase& db);
   OdGePoint3d definingPoint() const { return point("AcDbOrdinateDimension", 13); }
+  void setDefiningPoint(const OdGePoint3d& p) { setPoint("AcDbOrdinateDimension", 13, p); }
   OdGePoint3d leaderEndPoint() const { return point("AcDbOrdinateDimension", 14); }
+  void setLeaderEndPoint(const OdGePoint3d& p) { setPoint("AcDbOrdinateDimension", 14, p); }
   OdGePoint3d origin() const { return point("AcDbDimension", 10); }
+  void setOrigin(const OdGePoint3d& p) { setPoint("AcDbDimension", 10, p); }
   bool isUsingXAxis() const;  // bit 64 of code 70
+  void setUsingXAxis(bool xAxis);
 };
 
 class OdDbArcDimension : public OdDbDimension {
   ODRX_DECLARE_MEMBERS(OdDbArcDimension)
 
 public:
+  // R2004 and later. Typed 5 (three-point angular) in code 70, as files write it.
+  static OdSmartPtr<OdDbArcDimension> createFor(const OdDbDatabase& db);
   OdGePoint3d xLine1Point() const { return point("AcDbArcDimension", 13); }
+  void setXLine1Point(const OdGePoint3d& p) { setPoint("AcDbArcDimension", 13, p); }
   OdGePoint3d xLine2Point() const { return point("AcDbArcDimension", 14); }
+  void setXLine2Point(const OdGePoint3d& p) { setPoint("AcDbArcDimension", 14, p); }
   OdGePoint3d centerPoint() const { return point("AcDbArcDimension", 15); }
+  void setCenterPoint(const OdGePoint3d& p) { setPoint("AcDbArcDimension", 15, p); }
   OdGePoint3d arcPoint() const { return point("AcDbDimension", 10); }
+  void setArcPoint(const OdGePoint3d& p) { setPoint("AcDbDimension", 10, p); }
+  // The measured arc's start and end angles (radians, codes 40 and 41).
+  double arcStartParam() const;
+  double arcEndParam() const;
+  void setArcStartParam(double radians);
+  void setArcEndParam(double radians);
 };
 
 // The jogged dimension of a large radius (LARGE_RADIAL_DIMENSION).
