@@ -1,7 +1,6 @@
 #include "DimBlockWriter.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <numbers>
 
@@ -63,12 +62,14 @@ double cleanDegrees(double radians) {
   return d;
 }
 
-// Spells one entity's tags in its drawing's own style: what the version holds
-// (subclass markers and owners from R13, lineweights from R2000, transparency
-// from R2004) and nothing else.
+// Spells one entity's tags as binary DXF (values kept as numbers, spelled for the
+// file only when it is saved): what the drawing's version holds (subclass markers
+// and owners from R13, lineweights from R2000, transparency from R2004) and
+// nothing else.
 class Speller {
 public:
-  explicit Speller(const OdDbDatabase& db) : m_style(db.fileStyle()), m_version(db.version()) {
+  explicit Speller(const OdDbDatabase& db) : m_version(db.version()) {
+    m_style.format = DxfFormat::Binary;
     m_markers = dxfver::hasObjects(m_version);
     m_handles = m_markers || db.headerInt("$HANDLING", 1) != 0;
     m_out.reserve(512);
@@ -89,11 +90,7 @@ public:
     if (m_markers) text(100, m);
   }
   void text(int code, std::string_view v) { dxfWriteNewTag(m_out, code, v, m_style); }
-  void integer(int code, long v) {
-    char buf[24];
-    auto r = std::to_chars(buf, buf + sizeof buf, v);
-    text(code, std::string_view(buf, static_cast<size_t>(r.ptr - buf)));
-  }
+  void integer(int code, int64_t v) { dxfWriteInt(m_out, code, v, m_style); }
   void real(int code, double v) { dxfWriteDouble(m_out, code, v, m_style); }
   void point(int code, Vec p) {
     real(code, p.x);
@@ -132,7 +129,7 @@ public:
     m_speller.begin(name, e->getDbHandle().value(), m_block.getDbHandle().value());
     common(it);
     body(it);
-    e->replaceBytes(m_speller.take());
+    e->replaceBytes(m_speller.take(), DxfFormat::Binary);
   }
 
   // The old entities no item took are erased (undo brings them back).

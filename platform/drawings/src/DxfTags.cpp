@@ -474,6 +474,22 @@ void dxfWriteDouble(std::string& out, int code, double v, const DxfStyle& style)
   out += style.eol;
 }
 
+void dxfWriteInt(std::string& out, int code, int64_t v, const DxfStyle& style) {
+  if (style.format == DxfFormat::Ascii) {
+    char buf[24];
+    auto r = std::to_chars(buf, buf + sizeof buf, v);
+    dxfWriteNewTag(out, code, std::string_view(buf, static_cast<size_t>(r.ptr - buf)), style);
+    return;
+  }
+  writeCode(out, code, style);
+  switch (dxfTypeOf(code)) {
+    case DxfType::Int16: appendLE(out, static_cast<int16_t>(v)); break;
+    case DxfType::Int32: appendLE(out, static_cast<int32_t>(v)); break;
+    case DxfType::Bool: appendLE(out, static_cast<uint8_t>(v)); break;
+    default: appendLE(out, v);
+  }
+}
+
 void dxfWriteTag(std::string& out, const DxfTag& t, const DxfStyle& style) {
   if (!t.raw.empty() && !t.changed) {
     out += t.raw;

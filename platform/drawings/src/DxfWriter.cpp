@@ -98,8 +98,12 @@ void DxfWriter::writeObject(const OdDbObject* o) {
   if (!o) return;
   if (m_same) {
     std::string_view raw = o->rawBytes();
-    if (!raw.empty()) {
+    if (!raw.empty() && o->rawFormat() == m_format && o->rawShortCodes() == m_style.shortCodes) {
       m_out += raw;
+      return;
+    }
+    if (!raw.empty()) {  // spelled in another format: respelled tag by tag, without keeping the tags
+      o->forEachTag([&](int code, std::string_view value) { dxfWriteNewTag(m_out, code, value, m_style); });
       return;
     }
     for (const DxfTag& t : o->tags()) dxfWriteTag(m_out, t, m_style);

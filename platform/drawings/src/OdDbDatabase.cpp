@@ -279,15 +279,6 @@ void OdDbDatabase::setHeaderString(const char* name, int code, const OdString& v
   setHeaderVar(OdString::fromUtf8(name), OdResBuf::newRb(code, v).get());
 }
 
-DxfStyle OdDbDatabase::fileStyle() const {
-  DxfStyle st = dxfStyleOf(*this);
-  if (m_format == DxfFormat::Ascii) {
-    st.eol = m_style.eol;
-    st.padCodes = m_style.padCodes;
-  }
-  return st;
-}
-
 DxfStyle dxfStyleOf(const OdDbDatabase& db) {
   DxfStyle st;
   st.format = db.format();

@@ -104,14 +104,13 @@ void OdDbObject::assertWriteEnabled() {
   m_modified = true;
 }
 
-bool OdDbObject::replaceBytes(std::string bytes) {
-  if (!m_tags && m_raw == bytes) return false;
+bool OdDbObject::replaceBytes(std::string bytes, DxfFormat format) {
+  if (!m_tags && m_rawFormat == format && !m_shortCodes && m_raw == bytes) return false;
   assertWriteEnabled();
   m_ownBytes = std::make_shared<const std::string>(std::move(bytes));
   m_raw = *m_ownBytes;
-  const DxfStyle style = database() ? database()->fileStyle() : DxfStyle();
-  m_rawFormat = style.format;
-  m_shortCodes = style.shortCodes;
+  m_rawFormat = format;
+  m_shortCodes = false;
   m_line = 0;
   m_tags.reset();
   return true;
@@ -123,10 +122,14 @@ void OdDbObject::parseTags() const {
     DxfTagScanner sc(m_raw, m_rawFormat, m_shortCodes, 0, m_line);
     DxfRawTag rt;
     list->reserve(m_raw.size() / 12);
+    // Bytes the object spelled itself need not be in the file's format: its tags
+    // are written afresh rather than copied.
+    const bool keepSpelling = !m_ownBytes;
     while (sc.next(rt)) {
       DxfTag t;
       t.code = static_cast<int16_t>(rt.code);
-      t.raw = rt.raw;
+      t.changed = !keepSpelling;
+      if (keepSpelling) t.raw = rt.raw;
       t.valueOffset = static_cast<uint16_t>(rt.value.data() - rt.raw.data() -
                                             (dxfTypeOf(rt.code) == DxfType::Binary && m_rawFormat == DxfFormat::Binary ? 1 : 0));
       t.text = dxfValueText(rt, m_rawFormat);

@@ -210,6 +210,8 @@ UndoHistory::ObjectState UndoHistory::copyState(const OdDbObject& o) {
   ObjectState s;
   s.raw = o.m_raw;
   s.ownBytes = o.m_ownBytes;
+  s.rawFormat = o.m_rawFormat;
+  s.shortCodes = o.m_shortCodes;
   if (o.m_tags) s.tags = std::make_unique<DxfTagList>(*o.m_tags);
   s.dxfName = o.m_dxfName;
   s.owner = o.m_owner;
@@ -223,6 +225,8 @@ void UndoHistory::swapState(OdDbObject& o, ObjectState& s) {
   now.inDatabase = !o.m_stub || o.m_stub->object == &o;
   now.raw = o.m_raw;
   now.ownBytes = std::move(o.m_ownBytes);
+  now.rawFormat = o.m_rawFormat;
+  now.shortCodes = o.m_shortCodes;
   now.tags = std::move(o.m_tags);
   now.dxfName = std::move(o.m_dxfName);
   now.owner = o.m_owner;
@@ -231,6 +235,8 @@ void UndoHistory::swapState(OdDbObject& o, ObjectState& s) {
 
   o.m_raw = s.raw;
   o.m_ownBytes = std::move(s.ownBytes);
+  o.m_rawFormat = s.rawFormat;
+  o.m_shortCodes = s.shortCodes;
   o.m_tags = std::move(s.tags);
   o.m_dxfName = std::move(s.dxfName);
   o.m_owner = s.owner;

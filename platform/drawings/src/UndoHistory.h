@@ -50,6 +50,8 @@ private:
     bool inDatabase = true;  // false: the handle finds nothing and the object is not written
     std::string_view raw;
     std::shared_ptr<const std::string> ownBytes;  // what raw points into when the object spelled it
+    DxfFormat rawFormat = DxfFormat::Ascii;
+    bool shortCodes = false;
     std::unique_ptr<DxfTagList> tags;  // null: not parsed, the raw bytes are the object
     std::string dxfName;
     OdDbObjectId owner;

@@ -327,6 +327,15 @@ TEST(DimGeometry, BlockIsReplacedInPlaceUndoneAndSaved) {
       const std::vector<std::string> findings = ezdxfAudit(*db);
       EXPECT_TRUE(findings.empty()) << findings.front();
     }
+
+    // A block entity edited afterwards is saved in the file's own format too.
+    auto line = odOpen<OdDbLine>(entities.front(), OdDb::kForWrite);
+    ASSERT_TRUE(line);
+    line->setStartPoint({1.5, 2.5, 0});
+    OdDbDatabasePtr edited = OdDbDatabase::readDxf(db->toDxf());
+    auto back1 = odOpen<OdDbLine>(edited->getOdDbObjectId(line->getDbHandle()));
+    ASSERT_TRUE(back1);
+    EXPECT_LT(dist(back1->startPoint(), {1.5, 2.5, 0}), 1e-12);
   }
 }
 

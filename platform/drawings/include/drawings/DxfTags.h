@@ -110,3 +110,5 @@ void dxfWriteTag(std::string& out, const DxfTag& t, const DxfStyle& style);
 void dxfWriteNewTag(std::string& out, int code, std::string_view text, const DxfStyle& style);
 // A double value, spelled as dxfFormatDouble does.
 void dxfWriteDouble(std::string& out, int code, double v, const DxfStyle& style);
+// An integer value, as wide as its group code holds in binary files.
+void dxfWriteInt(std::string& out, int code, int64_t v, const DxfStyle& style);

@@ -59,8 +59,6 @@ public:
   // Problems found and repaired or tolerated while reading (duplicate handles, dangling owners).
   const std::vector<std::string>& loadWarnings() const { return m_warnings; }
   const DxfCodec& codec() const { return m_codec; }
-  // How the file spells tags: format, code padding and line ends as read.
-  DxfStyle fileStyle() const;
 
   // Objects and handles.
   OdDbObjectId getOdDbObjectId(OdDbHandle h, bool createIfNotFound = false);

@@ -75,12 +75,15 @@ public:
     m_tags.reset();
   }
   uint32_t sourceLine() const { return m_line; }
-  // Replaces the whole object with `bytes`: its tags, name and handle included,
-  // spelled as its drawing's file spells them (format, code padding, line ends).
-  // Objects made in bulk are cheaper spelled in one pass than set tag by tag.
-  // Returns false, changing nothing, when the object already is these bytes.
-  // Throws eNotOpenForWrite unless open for write.
-  bool replaceBytes(std::string bytes);
+  // Replaces the whole object with `bytes`: its tags, name and handle included, in
+  // `format` (binary with two-byte group codes). Objects made in bulk are cheaper
+  // spelled in one pass than set tag by tag, and binary values are written to the
+  // file's own spelling only when it is saved. Returns false, changing nothing,
+  // when the object already is these bytes. Throws eNotOpenForWrite unless open
+  // for write.
+  bool replaceBytes(std::string bytes, DxfFormat format);
+  DxfFormat rawFormat() const { return m_rawFormat; }
+  bool rawShortCodes() const { return m_shortCodes; }
   // Whether the object still is the bytes replaceBytes gave it.
   bool isSpelled() const { return m_ownBytes && !m_tags; }
   void attach(OdDbStub* stub) { m_stub = stub; }
