@@ -322,7 +322,8 @@ private:
 
 void writeBlockItems(OdDbDatabase& db, OdDbBlockTableRecord& block, const OdDbDimension& dim,
                      const std::vector<Item>& items) {
-  if (block.isLayout()) throw OdError(eInvalidInput, "a dimension's block cannot be a layout");
+  if (block.objectId() == db.getModelSpaceId() || block.objectId() == db.getPaperSpaceId())
+    throw OdError(eInvalidInput, "a dimension's block cannot be a layout");
   Writer writer(db, block, dim);
   for (const Item& it : items) writer.write(it);
   writer.finish();

@@ -1,6 +1,8 @@
 #include "drawings/DimGeometry.h"
 
 #include <algorithm>
+#include <array>
+#include <optional>
 #include <cmath>
 #include <cwctype>
 #include <numbers>
@@ -8,6 +10,7 @@
 
 #include "DimBlockWriter.h"
 #include "DimGeometryImpl.h"
+#include "DimVarSnapshot.h"
 #include "drawings/OdDmUtil.h"
 #include "EntityTags.h"
 #include "drawings/DimText.h"
@@ -16,6 +19,36 @@
 #include "drawings/OdDbText.h"
 
 namespace dimgeom {
+
+const OdDimVarValue& styleValue(const OdDbDimStyleTableRecord& style, std::size_t row) {
+  struct Entry {
+    const OdDbDimStyleTableRecord* style = nullptr;
+    uint64_t styleRevision = 0, headerRevision = 0;
+    std::array<std::optional<OdDimVarValue>, kDimVarDefaults.size()> values;
+  };
+  // A few styles at a time: drawings mostly use one or two (and their children).
+  static thread_local std::array<Entry, 4> cache;
+  static thread_local std::size_t nextSlot = 0;
+  const OdDbObject* header = style.database() ? style.database()->header() : nullptr;
+  const uint64_t headerRevision = header ? header->revision() : 0;
+  Entry* e = nullptr;
+  for (Entry& c : cache)
+    if (c.style == &style) e = &c;
+  if (!e) {
+    e = &cache[nextSlot];
+    nextSlot = (nextSlot + 1) % cache.size();
+    e->style = &style;
+    e->styleRevision = 0;
+  }
+  if (e->styleRevision != style.revision() || e->headerRevision != headerRevision) {
+    e->styleRevision = style.revision();
+    e->headerRevision = headerRevision;
+    for (auto& v : e->values) v.reset();
+  }
+  std::optional<OdDimVarValue>& v = e->values[row];
+  if (!v) v = style.dimVar(row);
+  return *v;
+}
 
 double Vec::length() const { return std::hypot(x, y); }
 
@@ -358,16 +391,10 @@ private:
   Ink m_line, m_all;
 };
 
-}  // namespace
-
-FontInfo fontOf(const OdDbDatabase& db, const OdDbObjectId& textStyle) {
-  OdDbObjectId id = textStyle;
-  if (id.isNull()) {
-    if (auto styles = odOpen<OdDbTextStyleTable>(db.getTextStyleTableId())) id = styles->getAt(L"Standard");
-  }
+// The font of a text style record (txt when there is none).
+FontInfo readFont(const OdDbTextStyleTableRecord* style) {
   FontInfo info;
   info.table = &kFonts[0];
-  auto style = odOpen<OdDbTextStyleTableRecord>(id);
   if (!style) return info;
   auto number = [&](int code, double dflt) {
     auto text = style->firstValue(code);
@@ -392,6 +419,27 @@ FontInfo fontOf(const OdDbDatabase& db, const OdDbObjectId& textStyle) {
   info.fixedHeight = number(40, 0.0);
   return info;
 }
+
+}  // namespace
+
+FontInfo fontOf(const OdDbDatabase& db, const OdDbObjectId& textStyle) {
+  OdDbObjectId id = textStyle;
+  if (id.isNull()) {
+    if (auto styles = odOpen<OdDbTextStyleTable>(db.getTextStyleTableId())) id = styles->getAt(L"Standard");
+  }
+  auto style = odOpen<OdDbTextStyleTableRecord>(id);
+  // The last style looked at, while it is unchanged: dimensions mostly share one.
+  static thread_local const OdDbObject* lastStyle = nullptr;
+  static thread_local uint64_t lastRevision = 0;
+  static thread_local FontInfo lastInfo;
+  if (style && style.get() == lastStyle && style->revision() == lastRevision) return lastInfo;
+  FontInfo info = readFont(style.get());
+  lastStyle = style.get();
+  lastRevision = style ? style->revision() : 0;
+  lastInfo = info;
+  return info;
+}
+
 
 TextExtents measureText(const OdString& contents, double height, const FontInfo& font) {
   TextLayout layout(font.table ? *font.table : kFonts[0], height, font.widthFactor);

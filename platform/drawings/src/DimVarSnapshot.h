@@ -5,6 +5,7 @@
 #pragma once
 
 #include <bitset>
+#include <cstddef>
 
 #include "drawings/DimText.h"
 #include "drawings/DimVarDefaults.h"
@@ -13,6 +14,11 @@
 #include "drawings/OdDbDimension.h"
 
 namespace dimgeom {
+
+// A style's value of variable `row`, read from the style once while neither the
+// style nor its drawing's header changes (built-in values depend on the drawing),
+// so that the dimensions of one style do not each decode it again.
+const OdDimVarValue& styleValue(const OdDbDimStyleTableRecord& style, std::size_t row);
 
 class DimVarSnapshot : public OdDimVarSource {
 public:
@@ -25,7 +31,7 @@ public:
   OdDimVarValue dimVar(std::size_t row) const override {
     // An override, or a drawing without the style: the dimension's own way.
     if (!m_style || row >= m_overridden.size() || m_overridden.test(row)) return m_dim.dimVar(row);
-    return m_style->dimVar(row);
+    return styleValue(*m_style, row);
   }
   void setDimVar(std::size_t, const OdDimVarValue&) override { throw OdError(eNotApplicable, "read only"); }
 
@@ -43,9 +49,12 @@ inline OdString dimensionText(const OdDbDimension& dim, const DimVarSnapshot& va
   in.measurement = measurement;
   in.userText = dim.dimensionText();
   in.vars = &vars;
-  if (const OdDbDatabase* db = dim.database()) in.version = db->version();
-  if (auto owner = odOpen<OdDbBlockTableRecord>(dim.ownerId()))
-    in.inPaperSpace = owner->isLayout() && owner->getName().left(12).iCompare(L"*Paper_Space") == 0;
+  const OdDbDatabase* db = dim.database();
+  if (db) in.version = db->version();
+  // Most dimensions are in model space, which needs no name to tell.
+  if (!db || dim.ownerId() != db->getModelSpaceId())
+    if (auto owner = odOpen<OdDbBlockTableRecord>(dim.ownerId()))
+      in.inPaperSpace = owner->isLayout() && owner->getName().left(12).iCompare(L"*Paper_Space") == 0;
   return odFormatDimText(in);
 }
 

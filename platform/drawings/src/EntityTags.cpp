@@ -15,10 +15,10 @@ namespace {
 constexpr int kCommonOrder[] = {5, 102, 330, 67, 410, 8, 6, 347, 62, 420, 430, 370, 48, 60, 440, 390, 284};
 
 bool hasMarkers(const OdDbObject& o) {
-  const auto& t = o.tags();
-  size_t end = o.xdataStart();
-  for (size_t i = 0; i < end; ++i)
-    if (t[i].code == 100) return true;
+  for (const DxfTag& t : o.tags()) {
+    if (t.code == 100) return true;
+    if (t.code == 1001) return false;  // extended data: no class part follows
+  }
   return false;
 }
 

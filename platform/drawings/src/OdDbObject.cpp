@@ -1,6 +1,7 @@
 #include "drawings/OdDbObject.h"
 
 #include <algorithm>
+#include <atomic>
 
 #include "drawings/OdDbDatabase.h"
 #include "drawings/OdDbDictionary.h"
@@ -61,7 +62,13 @@ OdDbObjectPtr OdDbObjectId::safeOpenObject(OdDb::OpenMode mode, bool openErased)
 
 OdDbObject::~OdDbObject() = default;
 
+uint64_t OdDbObject::nextRevision() {
+  static std::atomic<uint64_t> counter{0};
+  return ++counter;
+}
+
 void OdDbObject::noteChange() {
+  m_revision = nextRevision();
   if (OdDbDatabase* db = database()) db->recordUndo(this);
 }
 
@@ -190,16 +197,17 @@ size_t OdDbObject::xdataStart() const {
 }
 
 OdDbObject::Range OdDbObject::subclassRange(std::string_view marker) const {
+  // One pass, ending at the extended data: typed accessors call this for every value.
   const auto& t = tags();
-  size_t end = xdataStart();
-  for (size_t i = 0; i < end; ++i) {
+  size_t i = 0;
+  for (; i < t.size() && t[i].code != 1001; ++i) {
     if (t[i].code == 100 && t[i].text == marker) {
       size_t j = i + 1;
-      while (j < end && t[j].code != 100) ++j;
+      while (j < t.size() && t[j].code != 100 && t[j].code != 1001) ++j;
       return Range{i + 1, j, true};
     }
   }
-  return Range{end, end, false};
+  return Range{i, i, false};
 }
 
 OdDbObject::Range OdDbObject::commonRange() const {

@@ -244,6 +244,7 @@ void UndoHistory::swapState(OdDbObject& o, ObjectState& s) {
   // still lists it (or a pointer someone kept) does not bring it back.
   o.m_erased = s.erased || !s.inDatabase;
   o.m_modified = s.modified;
+  o.m_revision = OdDbObject::nextRevision();
   if (o.m_stub) {
     if (s.inDatabase) o.m_stub->object = &o;
     else if (o.m_stub->object == &o) o.m_stub->object = nullptr;

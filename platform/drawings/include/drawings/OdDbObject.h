@@ -39,6 +39,9 @@ public:
 
   bool isWriteEnabled() const { return m_openMode == OdDb::kForWrite; }
   bool isModified() const { return m_modified; }
+  // Changes with every change of the object, and is never the same for two states
+  // of any objects: what is derived from an object can be kept while it holds.
+  uint64_t revision() const { return m_revision; }
   // Throws eNotOpenForWrite unless opened for write; marks the object as changed.
   void assertWriteEnabled();
   void assertReadEnabled() const {}
@@ -73,6 +76,7 @@ public:
     m_shortCodes = shortCodes;
     m_line = line;
     m_tags.reset();
+    m_revision = nextRevision();
   }
   uint32_t sourceLine() const { return m_line; }
   // Replaces the whole object with `bytes`: its tags, name and handle included, in
@@ -124,6 +128,7 @@ protected:
 private:
   friend class UndoHistory;  // snapshots and restores the persistent state below
   void parseTags() const;
+  static uint64_t nextRevision();
   // Lets the database's undo history snapshot the object before it changes.
   void noteChange();
 
@@ -140,6 +145,7 @@ private:
   bool m_erased = false;
   bool m_modified = false;
   uint32_t m_undoGroup = 0;  // the undo group that already holds a snapshot of this object
+  uint64_t m_revision = nextRevision();
 };
 
 // Object kept as its tags only: every class we do not model.
