@@ -19,6 +19,7 @@
 #include "drawings/DimGeometry.h"
 #include "drawings/DimText.h"
 #include "drawings/OdDbDatabase.h"
+#include "drawings/OdDbDimStyleTableRecord.h"
 #include "drawings/OdDbText.h"
 #include "drawings/OdDmUtil.h"
 
@@ -511,4 +512,25 @@ TEST(DimGeometry, MissingTextPositionIsAddedAfterTheDefinitionPoint) {
   EXPECT_EQ(std::vector<int>(at, at + 5), (std::vector<int>{10, 20, 30, 11, 21}));
   OdDbDatabasePtr saved = OdDbDatabase::readDxf(again->toDxf());
   EXPECT_NEAR(openDim(*saved, h)->textPosition().x, 50, 1e-9);
+}
+
+// What is read from a style once for many dimensions must follow every change of
+// the style, including one that undo takes back.
+TEST(DimGeometry, StyleChangesReachTheNextRecompute) {
+  OdDbDatabasePtr db = OdDbDatabase::createNew(DxfVersion::R2018);
+  auto d = addRotated(*db, {0, 0, 0}, {100, 0, 0}, {50, 20, 0});
+  auto style = odOpen<OdDbDimStyleTableRecord>(db->dimstyle(), OdDb::kForWrite);
+  auto arrowBase = [&] {
+    EXPECT_EQ(recomputeDimBlock(*d), eOk);
+    for (const Prim& p : primitives(d->dimBlockId()))
+      if (p.kind == "SOLID") return p.p[0].x;  // the first arrowhead's base, DIMASZ from its tip at 0
+    return -1.0;
+  };
+  EXPECT_NEAR(arrowBase(), 0.18, 1e-9);
+  db->beginUndoGroup(L"bigger arrows");
+  style->setDimasz(0.5);
+  EXPECT_NEAR(arrowBase(), 0.5, 1e-9);
+  db->endUndoGroup();
+  db->undo();
+  EXPECT_NEAR(arrowBase(), 0.18, 1e-9);
 }
