@@ -449,7 +449,8 @@ static void writeValue(std::string& out, int code, std::string_view text, const 
       break;
     }
     default:
-      out += binaryString(text);
+      if (text.find('^') == std::string_view::npos) out += text;  // the common case, without a copy
+      else out += binaryString(text);
       out += '\0';
   }
 }
