@@ -215,6 +215,15 @@ TEST(DimGeometryAngular, TwoLineAngleTakesTheSectorOfTheArcPoint) {
   EXPECT_ANGLE(b[2].startAngle, kPi / 4 + 2 * std::asin(1.25 / 20));
 }
 
+// An arc-length dimension of the arc of `radius` about the origin from 0 to
+// `sweep`, its dimension arc `at` from the centre.
+static void aboutOrigin(OdDbArcDimension& d, double radius, double sweep, double at) {
+  setPoint(d, "AcDbArcDimension", 15, 0, 0);
+  setPoint(d, "AcDbArcDimension", 13, radius, 0);
+  setPoint(d, "AcDbArcDimension", 14, radius * std::cos(sweep), radius * std::sin(sweep));
+  setPoint(d, "AcDbDimension", 10, at * std::cos(sweep / 2), at * std::sin(sweep / 2));
+}
+
 // An arc of radius 100 about the origin from 0 to 60 degrees, dimensioned 110
 // out: under a right angle the extension lines run parallel, along the bisector.
 TEST(DimGeometryAngular, ArcLengthExtensionLines) {
@@ -222,10 +231,7 @@ TEST(DimGeometryAngular, ArcLengthExtensionLines) {
   OdDbDatabasePtr db = OdDbDatabase::readDxfFile(testsupport::corpus("LibreDWG__libredwg__example_2000.dxf"));
   auto d = first<OdDbArcDimension>(*db);
   ASSERT_TRUE(d);
-  setPoint(*d, "AcDbArcDimension", 15, 0, 0);
-  setPoint(*d, "AcDbArcDimension", 13, 100, 0);
-  setPoint(*d, "AcDbArcDimension", 14, 100 * std::cos(kPi / 3), 100 * std::sin(kPi / 3));
-  setPoint(*d, "AcDbDimension", 10, 110 * std::cos(kPi / 6), 110 * std::sin(kPi / 6));
+  aboutOrigin(*d, 100, kPi / 3, 110);
   d->setDimtofl(false);
   d->setDimarcsym(2);
   ASSERT_EQ(recomputeDimBlock(*d), eOk);
@@ -309,10 +315,7 @@ TEST(DimGeometryAngular, ArcLengthSymbolBeforeAboveOrNone) {
   OdDbDatabasePtr db = OdDbDatabase::readDxfFile(testsupport::corpus("LibreDWG__libredwg__example_2000.dxf"));
   auto d = first<OdDbArcDimension>(*db);
   ASSERT_TRUE(d);
-  setPoint(*d, "AcDbArcDimension", 15, 0, 0);
-  setPoint(*d, "AcDbArcDimension", 13, 100, 0);
-  setPoint(*d, "AcDbArcDimension", 14, 100 * std::cos(kPi / 3), 100 * std::sin(kPi / 3));
-  setPoint(*d, "AcDbDimension", 10, 110 * std::cos(kPi / 6), 110 * std::sin(kPi / 6));
+  aboutOrigin(*d, 100, kPi / 3, 110);
   d->setDimdec(0);
   for (int tad : {1, 0})
     for (int16_t placement : {0, 1, 2}) {
@@ -357,10 +360,7 @@ TEST(DimGeometryAngular, ArcLengthSymbolTakesRoomForFit) {
   OdDbDatabasePtr db = OdDbDatabase::readDxfFile(testsupport::corpus("LibreDWG__libredwg__example_2000.dxf"));
   auto d = first<OdDbArcDimension>(*db);
   ASSERT_TRUE(d);
-  setPoint(*d, "AcDbArcDimension", 15, 0, 0);
-  setPoint(*d, "AcDbArcDimension", 13, 2, 0);
-  setPoint(*d, "AcDbArcDimension", 14, 2 * std::cos(2.0), 2 * std::sin(2.0));
-  setPoint(*d, "AcDbDimension", 10, 4.6 * std::cos(1.0), 4.6 * std::sin(1.0));
+  aboutOrigin(*d, 2, 2.0, 4.6);
   d->setDimdec(0);
   d->setDimatfit(3);
   d->setDimtix(false);
