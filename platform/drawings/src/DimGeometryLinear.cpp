@@ -126,8 +126,13 @@ BlockContents computeLinear(const OdDbAlignedDimension& dim) {
   const double textAlongInside = hasText ? 2 * halfShadow(ext.width, ext.height, insideAngle, u.angle()) : 0.0;
   const double textNeed = hasText ? textAlongInside + (v.tad == 0 ? 2 * gap : 0.0) : 0.0;
   const double arrowsNeed = 2 * v.asz;
+  // DIMJUST 3 and 4 stand the text along the first or second extension line,
+  // beyond the dimension line: it takes no room between the extension lines.
+  const int overExtension = hasText && !userText && (v.just == 3 || v.just == 4) ? v.just - 2 : 0;
   bool textInside = true, arrowsInside = true;
-  if (userText && !userBetween && v.atfit != 0) {
+  if (overExtension) {
+    arrowsInside = span >= arrowsNeed;
+  } else if (userText && !userBetween && v.atfit != 0) {
     // Text placed away from the line takes no room there: only the arrowheads
     // need to fit (a tick reaches half its size either way).
     arrowsInside = span >= (v.arrow1.atTip ? v.asz / 2 : v.asz) + (v.arrow2.atTip ? v.asz / 2 : v.asz);
@@ -142,8 +147,14 @@ BlockContents computeLinear(const OdDbAlignedDimension& dim) {
   // Arrowheads that would go outside are left out altogether (DIMSOXD).
   const bool arrowsShown = arrowsInside || !v.soxd;
 
-  const double textAngle =
-      rotationOverride != 0 ? rotationOverride : ((textInside ? v.tih : v.toh) ? 0.0 : lineAngle);
+  // The extension line the text stands by runs away from its point.
+  const Vec away = overExtension ? ((overExtension == 1 ? d1 - p1 : d2 - p2).length() > 1e-12
+                                        ? (overExtension == 1 ? d1 - p1 : d2 - p2).unit()
+                                        : n)
+                                 : Vec(0, 0);
+  const double textAngle = rotationOverride != 0 ? rotationOverride
+                           : overExtension       ? readable(away.angle())
+                                                 : ((textInside ? v.tih : v.toh) ? 0.0 : lineAngle);
   // Text along the line (as opposed to horizontal text beside a sloping line).
   const bool textAlong = std::fabs(std::sin(textAngle - u.angle())) < 1e-9;
   // "Up" for text above the line: the left of the direction the text reads in along it.
@@ -165,7 +176,14 @@ BlockContents computeLinear(const OdDbAlignedDimension& dim) {
   const double outsideOffset = 2 * v.asz;
   Vec textAt;
   if (userText) textAt = userAt;
-  else if (textInside) {
+  else if (overExtension) {
+    // Its near end the gap past the dimension line; on the line itself for DIMTAD 0,
+    // else beside it on the side text reads above.
+    const Vec along = Vec::polar(textAngle), above = along.left();
+    const double extentAway = halfShadow(ext.width, ext.height, textAngle, away.angle());
+    textAt = (overExtension == 1 ? d1 : d2) + away * (gap + extentAway);
+    if (v.tad != 0) textAt = textAt + above * (clearance + halfShadow(ext.width, ext.height, textAngle, above.angle()));
+  } else if (textInside) {
     // Centred on the visible line (between the arrowheads' backs), or by the first
     // or second extension line as far from it as text outside would be.
     const double back1 = !arrowsInside || v.arrow1.atTip || v.sd1 ? 0.0 : v.asz;
@@ -183,7 +201,9 @@ BlockContents computeLinear(const OdDbAlignedDimension& dim) {
   out.textPosition = textAt;
 
   // ---- extension lines ----
-  auto extension = [&](Vec p, Vec d, bool suppressed, const OdDbObjectId& lt) {
+  // The extension line the text stands by reaches as far as the text.
+  const double textReach = overExtension ? gap + 2 * halfShadow(ext.width, ext.height, textAngle, away.angle()) : 0.0;
+  auto extension = [&](Vec p, Vec d, bool suppressed, const OdDbObjectId& lt, bool underText) {
     if (suppressed) return;
     const Vec along = d - p;
     // A point on the dimension line still gets its stub (unless it has no length),
@@ -194,17 +214,17 @@ BlockContents computeLinear(const OdDbAlignedDimension& dim) {
       const Vec fixedStart = d - e * v.fxl;
       if ((fixedStart - p).dot(e) > v.exo) start = fixedStart;
     }
-    const Vec end = d + e * v.exe;
+    const Vec end = d + e * (underText ? std::max(v.exe, textReach) : v.exe);
     if ((end - start).length() > 1e-9 * std::max(1.0, v.exe)) b.line(start, end, propsOf(v.clre, v.lwe, lt));
   };
-  extension(p1, d1, v.se1, v.ltex1);
-  extension(p2, d2, v.se2, v.ltex2);
+  extension(p1, d1, v.se1, v.ltex1, overExtension == 1);
+  extension(p2, d2, v.se2, v.ltex2, overExtension == 2);
 
   // ---- dimension line ----
   // Positions along the line are measured from d1 towards d2.
   const Props dimProps = propsOf(v.clrd, v.lwd, v.ltype);
   const double textCentre = (textAt - d1).dot(t);
-  const bool textOnLine = hasText && v.tad == 0 && std::fabs((textAt - d1).dot(n)) < std::max(ext.height, v.txt) / 2;
+  const bool textOnLine = hasText && !overExtension && v.tad == 0 && std::fabs((textAt - d1).dot(n)) < std::max(ext.height, v.txt) / 2;
   const double textHalfGap = hasText ? halfChord(ext.width + 2 * gap, ext.height + 2 * gap, textAngle, t.angle()) : 0;
   auto at = [&](double s) { return d1 + t * s; };
 

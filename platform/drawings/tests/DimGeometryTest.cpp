@@ -534,3 +534,31 @@ TEST(DimGeometry, StyleChangesReachTheNextRecompute) {
   db->undo();
   EXPECT_NEAR(arrowBase(), 0.18, 1e-9);
 }
+
+// DIMJUST 3 and 4 stand the text along the first or second extension line, its
+// near end a gap past the dimension line: on the extension line for DIMTAD 0,
+// beside it (on the side text reads above) otherwise. The extension line reaches
+// the text's far end; the dimension line runs whole between the arrowheads.
+TEST(DimGeometry, TextOverAnExtensionLine) {
+  OdDbDatabasePtr db = OdDbDatabase::createNew(DxfVersion::R2018);
+  auto d = addRotated(*db, {0, 0, 0}, {100, 0, 0}, {50, 20, 0});
+  d->setDimscale(2);  // gap 0.18, text 0.36 high, extension 0.36 past the line
+  for (int16_t just : {3, 4})
+    for (int16_t tad : {0, 1}) {
+      SCOPED_TRACE("DIMJUST " + std::to_string(just) + ", DIMTAD " + std::to_string(tad));
+      d->setDimjust(just);
+      d->setDimtad(tad);
+      ASSERT_EQ(recomputeDimBlock(*d), eOk);
+      const auto b = primitives(d->dimBlockId());
+      ASSERT_EQ(kinds(b), "LINE LINE LINE SOLID SOLID MTEXT POINT POINT POINT");
+      const Prim& ext = b[just == 3 ? 0 : 1];
+      const double x = just == 3 ? 0 : 100, reach = ext.p[1].y - 20.18;
+      EXPECT_GT(reach, 0.36) << "the extension line goes on under the text";
+      EXPECT_NEAR(std::remainder(b[5].angle - kPi / 2, 2 * kPi), 0, 1e-9);
+      EXPECT_AT(b[5].p[0], x - (tad ? 0.18 + 0.18 : 0), 20.18 + reach / 2);
+      EXPECT_AT(b[2].p[0], 0.36, 20);
+      EXPECT_AT(b[2].p[1], 99.64, 20);
+      EXPECT_AT(b[just == 3 ? 1 : 0].p[1], 100 - x, 20.36) << "the other extension line is as usual";
+      EXPECT_AT(d->textPosition(), b[5].p[0].x, b[5].p[0].y);
+    }
+}
