@@ -26,94 +26,14 @@ namespace fs = std::filesystem;
 namespace {
 using namespace testsupport;
 
-// ---- JSON, as the dump script prints it and as we describe our entities ----
+// An entity's values by name, as the dump script prints them: lists flattened to
+// "key.index", numbers and text alike as written.
+using Values = std::map<std::string, std::string>;
 
-struct Json {
-  enum Kind { Null, Bool, Number, String, Array, Object } kind = Null;
-  bool b = false;
-  double n = 0;
-  std::string s;
-  std::vector<Json> a;
-  std::map<std::string, Json> o;
-
-  Json() = default;
-  Json(bool v) : kind(Bool), b(v) {}
-  Json(double v) : kind(Number), n(v) {}
-  Json(std::string v) : kind(String), s(std::move(v)) {}
-  Json(std::vector<Json> v) : kind(Array), a(std::move(v)) {}
-  Json(std::map<std::string, Json> v) : kind(Object), o(std::move(v)) {}
-  const Json& operator[](const std::string& key) const {
-    static const Json none;
-    auto it = o.find(key);
-    return it == o.end() ? none : it->second;
-  }
-};
-
-class JsonReader {
-public:
-  explicit JsonReader(std::string_view text) : m_t(text) {}
-  Json value() {
-    skip();
-    if (m_p >= m_t.size()) throw std::runtime_error("JSON ends early");
-    char c = m_t[m_p];
-    if (c == '{') {
-      std::map<std::string, Json> o;
-      ++m_p;
-      while (skip(), m_t[m_p] != '}') {
-        std::string key = value().s;
-        skip(), ++m_p;  // ':'
-        o[key] = value();
-        if (skip(), m_t[m_p] == ',') ++m_p;
-      }
-      ++m_p;
-      return Json(std::move(o));
-    }
-    if (c == '[') {
-      std::vector<Json> a;
-      ++m_p;
-      while (skip(), m_t[m_p] != ']') {
-        a.push_back(value());
-        if (skip(), m_t[m_p] == ',') ++m_p;
-      }
-      ++m_p;
-      return Json(std::move(a));
-    }
-    if (c == '"') return Json(string());
-    if (m_t.substr(m_p, 4) == "true") return m_p += 4, Json(true);
-    if (m_t.substr(m_p, 5) == "false") return m_p += 5, Json(false);
-    if (m_t.substr(m_p, 4) == "null") return m_p += 4, Json();
-    size_t used = 0;
-    double d = std::stod(std::string(m_t.substr(m_p, 40)), &used);
-    m_p += used;
-    return Json(d);
-  }
-
-private:
-  void skip() {
-    while (m_p < m_t.size() && std::isspace(static_cast<unsigned char>(m_t[m_p]))) ++m_p;
-  }
-  std::string string() {
-    std::string out;
-    for (++m_p; m_t[m_p] != '"'; ++m_p) {
-      if (m_t[m_p] != '\\') {
-        out += m_t[m_p];
-        continue;
-      }
-      // The dump writes UTF-8 and escapes only quotes, backslashes and control characters.
-      char e = m_t[++m_p];
-      if (e == 'u') {
-        out += static_cast<char>(std::stoi(std::string(m_t.substr(m_p + 1, 4)), nullptr, 16));
-        m_p += 4;
-        continue;
-      }
-      out += e == 'n' ? '\n' : e == 't' ? '\t' : e == 'r' ? '\r' : e == 'b' ? '\b' : e == 'f' ? '\f' : e;
-    }
-    ++m_p;
-    return out;
-  }
-  std::string_view m_t;
-  size_t m_p = 0;
-};
+std::string get(const Values& v, const std::string& key) {
+  auto it = v.find(key);
+  return it == v.end() ? std::string() : it->second;
+}
 
 // ---- the independent reader ----
 
@@ -124,14 +44,14 @@ bool haveEzdxf() { return std::system("/usr/bin/python3 -c 'import ezdxf' >/dev/
 #define SKIP_WITHOUT_EZDXF() \
   if (!haveEzdxf()) GTEST_SKIP() << "/usr/bin/python3 with ezdxf is not available"
 
-// Runs the dump over `files`; `messages` gets what the audit said.
-std::vector<Json> dump(const std::vector<std::string>& files, bool audit, int* status = nullptr,
-                       std::string* messages = nullptr) {
+// Runs the dump over `files` (file -> handle -> values); `messages` gets what the audit said.
+std::map<std::string, std::map<std::string, Values>> dump(const std::vector<std::string>& files, bool audit,
+                                                          int* status = nullptr, std::string* messages = nullptr) {
   fs::path log = fs::path(::testing::TempDir()) / ("dump_" + std::to_string(std::random_device()()) + ".log");
   std::string cmd = "/usr/bin/python3 '" + dumpScript().string() + "'" + (audit ? " --audit" : "");
   for (auto& f : files) cmd += " '" + f + "'";
   cmd += " 2>'" + log.string() + "'";
-  std::vector<Json> out;
+  std::map<std::string, std::map<std::string, Values>> out;
   FILE* p = popen(cmd.c_str(), "r");
   if (!p) return out;
   std::string all;
@@ -139,20 +59,22 @@ std::vector<Json> dump(const std::vector<std::string>& files, bool audit, int* s
   for (size_t n; (n = fread(buf, 1, sizeof buf, p)) > 0;) all.append(buf, n);
   int rc = pclose(p);
   if (status) *status = rc;
-  if (messages) {
-    std::ifstream in(log);
-    *messages = std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-  }
+  if (messages) *messages = slurp(log.string());
   fs::remove(log);
-  std::istringstream lines(all);
-  for (std::string line; std::getline(lines, line);)
-    if (!line.empty()) out.push_back(JsonReader(line).value());
+  std::string file;
+  for (const std::string& line : lines(all)) {
+    if (line.rfind("FILE ", 0) == 0) {
+      file = line.substr(5);
+      continue;
+    }
+    size_t k = line.find(' '), v = line.find(' ', k + 1);  // "handle key value"
+    out[file][line.substr(0, k)][line.substr(k + 1, v - k - 1)] = v == std::string::npos ? "" : line.substr(v + 1);
+  }
   return out;
 }
 
 // ---- our side, described in the dump's terms ----
 
-Json pt(const OdGePoint3d& p) { return Json(std::vector<Json>{p.x, p.y, p.z}); }
 double deg(double radians) { return radians * 180.0 / std::numbers::pi; }
 
 // The name of the record `id` refers to; "<none>" for a null id.
@@ -161,93 +83,90 @@ std::string recordName(const OdDbObjectId& id) {
   return rec ? rec->getName().toUtf8() : "<none>";
 }
 
-// Null when the entity is not of a typed class.
-Json describe(const OdDbEntity* e) {
-  std::map<std::string, Json> j;
+// Empty when the entity is not of a typed class.
+Values describe(const OdDbEntity* e) {
+  Values j;
+  auto num = [&](const std::string& key, double x) {
+    char b[32];
+    std::snprintf(b, sizeof b, "%.17g", x);
+    j[key] = b;
+  };
+  auto pt = [&](const std::string& key, const OdGePoint3d& p) {
+    num(key + ".0", p.x), num(key + ".1", p.y), num(key + ".2", p.z);
+  };
   if (auto l = OdDbLine::cast(e)) {
-    j = {{"type", std::string("LINE")}, {"start", pt(l->startPoint())}, {"end", pt(l->endPoint())}};
+    j["type"] = "LINE", pt("start", l->startPoint()), pt("end", l->endPoint());
   } else if (auto c = OdDbCircle::cast(e)) {
-    j = {{"type", std::string("CIRCLE")}, {"center", pt(c->center())}, {"radius", c->radius()}};
+    j["type"] = "CIRCLE", pt("center", c->center()), num("radius", c->radius());
   } else if (auto a = OdDbArc::cast(e)) {
-    j = {{"type", std::string("ARC")}, {"center", pt(a->center())}, {"radius", a->radius()},
-         {"start_angle", deg(a->startAngle())}, {"end_angle", deg(a->endAngle())}};
+    j["type"] = "ARC", pt("center", a->center()), num("radius", a->radius());
+    num("start_angle", deg(a->startAngle())), num("end_angle", deg(a->endAngle()));
   } else if (auto p = OdDbPoint::cast(e)) {
-    j = {{"type", std::string("POINT")}, {"location", pt(p->position())}};
+    j["type"] = "POINT", pt("location", p->position());
   } else if (auto s = OdDbSolid::cast(e)) {
-    std::vector<Json> corners;
+    j["type"] = "SOLID";
     for (int i = 0; i < 4; ++i) {
       OdGePoint3d q;
       s->getPointAt(i, q);
-      corners.push_back(pt(q));
+      pt("corners." + std::to_string(i), q);
     }
-    j = {{"type", std::string("SOLID")}, {"corners", corners}};
   } else if (auto pl = OdDbPolyline::cast(e)) {
-    std::vector<Json> v;
+    j["type"] = "LWPOLYLINE";
     for (unsigned i = 0; i < pl->numVerts(); ++i) {
       OdGePoint2d q;
       double sw, ew;
       pl->getPointAt(i, q);
       pl->getWidthsAt(i, sw, ew);
-      v.push_back(Json(std::vector<Json>{q.x, q.y, sw, ew, pl->getBulgeAt(i)}));
+      const std::string v = "vertices." + std::to_string(i) + ".";
+      num(v + "0", q.x), num(v + "1", q.y), num(v + "2", sw), num(v + "3", ew), num(v + "4", pl->getBulgeAt(i));
     }
-    j = {{"type", std::string("LWPOLYLINE")}, {"vertices", v}, {"closed", pl->isClosed()},
-         {"const_width", pl->getConstantWidth()}, {"elevation", pl->elevation()}};
+    num("closed", pl->isClosed()), num("const_width", pl->getConstantWidth()), num("elevation", pl->elevation());
   } else if (auto b = OdDbBlockReference::cast(e)) {
     OdGeScale3d k = b->scaleFactors();
-    j = {{"type", std::string("INSERT")}, {"name", recordName(b->blockTableRecord())}, {"insert", pt(b->position())},
-         {"scale", Json(std::vector<Json>{k.sx, k.sy, k.sz})}, {"rotation", deg(b->rotation())}};
+    j["type"] = "INSERT", j["name"] = recordName(b->blockTableRecord()), pt("insert", b->position());
+    num("scale.0", k.sx), num("scale.1", k.sy), num("scale.2", k.sz), num("rotation", deg(b->rotation()));
   } else if (auto t = OdDbText::cast(e)) {
-    j = {{"type", std::string("TEXT")}, {"insert", pt(t->position())}, {"height", t->height()},
-         {"text", t->textString().toUtf8()}, {"rotation", deg(t->rotation())}, {"style", recordName(t->textStyle())}};
+    j["type"] = "TEXT", pt("insert", t->position()), num("height", t->height()), j["text"] = t->textString().toUtf8();
+    num("rotation", deg(t->rotation())), j["style"] = recordName(t->textStyle());
   } else if (auto m = OdDbMText::cast(e)) {
-    j = {{"type", std::string("MTEXT")}, {"insert", pt(m->location())}, {"height", m->textHeight()},
-         {"width", m->width()}, {"attachment", double(m->attachment())}, {"text", m->contents().toUtf8()},
-         {"style", recordName(m->textStyle())}, {"rotation", deg(m->rotation())}};
+    j["type"] = "MTEXT", pt("insert", m->location()), num("height", m->textHeight()), num("width", m->width());
+    num("attachment", m->attachment()), j["text"] = m->contents().toUtf8(), j["style"] = recordName(m->textStyle());
+    num("rotation", deg(m->rotation()));
   } else if (auto ld = OdDbLeader::cast(e)) {
-    std::vector<Json> v;
-    for (int i = 0; i < ld->numVertices(); ++i) v.push_back(pt(ld->vertexAt(i)));
+    j["type"] = "LEADER";
+    for (int i = 0; i < ld->numVertices(); ++i) pt("vertices." + std::to_string(i), ld->vertexAt(i));
     OdDbHandle anno = ld->annotationObjId().getHandle();
-    j = {{"type", std::string("LEADER")}, {"vertices", v}, {"arrowhead", ld->hasArrowHead()},
-         {"hookline", ld->hasHookLine()}, {"annotation_type", double(ld->annoType())},
-         {"annotation", anno.isNull() ? std::string() : anno.ascii().toUtf8()},
-         {"dimstyle", recordName(ld->dimensionStyle())}};
-  } else {
-    return Json();
+    num("arrowhead", ld->hasArrowHead()), num("hookline", ld->hasHookLine()), num("annotation_type", ld->annoType());
+    j["annotation"] = anno.isNull() ? std::string() : anno.ascii().toUtf8();
+    j["dimstyle"] = recordName(ld->dimensionStyle());
   }
-  return Json(std::move(j));
+  return j;
 }
 
-// Numbers agree to rounding (angles modulo a turn), names of records whatever
-// their case; everything else exactly.
-void expectSame(const Json& ours, const Json& theirs, const std::string& where, const std::string& key = "") {
-  ASSERT_EQ(ours.kind, theirs.kind) << where;
-  switch (ours.kind) {
-    case Json::Number: {
-      double d = std::fabs(ours.n - theirs.n);
-      if (key == "rotation" || key == "start_angle" || key == "end_angle") d = std::fabs(std::remainder(d, 360.0));
-      EXPECT_LE(d, 1e-9 * std::max(1.0, std::fabs(theirs.n))) << where << ": " << ours.n << " vs " << theirs.n;
-      break;
+// The same names on both sides; numbers agree to rounding (angles modulo a turn),
+// names of records whatever their case, other text exactly.
+void expectSame(const Values& ours, const Values& theirs, const std::string& where) {
+  for (auto& [k, v] : theirs) {
+    if (!ours.contains(k)) ADD_FAILURE() << where << ": only the other reader has " << k;
+  }
+  for (auto& [k, v] : ours) {
+    auto it = theirs.find(k);
+    if (it == theirs.end()) {
+      ADD_FAILURE() << where << ": only we have " << k;
+      continue;
     }
-    case Json::String:
-      if (key == "name" || key == "style" || key == "dimstyle")
-        EXPECT_EQ(OdString::fromUtf8(ours.s).iCompare(OdString::fromUtf8(theirs.s)), 0) << where << ": " << ours.s
-                                                                                          << " vs " << theirs.s;
-      else
-        EXPECT_EQ(ours.s, theirs.s) << where;
-      break;
-    case Json::Bool: EXPECT_EQ(ours.b, theirs.b) << where; break;
-    case Json::Array:
-      ASSERT_EQ(ours.a.size(), theirs.a.size()) << where;
-      for (size_t i = 0; i < ours.a.size(); ++i)
-        expectSame(ours.a[i], theirs.a[i], where + "[" + std::to_string(i) + "]", key);
-      break;
-    case Json::Object:
-      for (auto& [k, v] : ours.o) {
-        if (k == "file" || k == "handle") continue;
-        expectSame(v, theirs[k], where + "." + k, k);
-      }
-      break;
-    case Json::Null: break;
+    const std::string name = k.substr(0, k.find('.'));
+    if (name == "name" || name == "style" || name == "dimstyle") {
+      EXPECT_EQ(OdString::fromUtf8(v).iCompare(OdString::fromUtf8(it->second)), 0) << where << "." << k << ": " << v
+                                                                                   << " vs " << it->second;
+    } else if (name == "type" || name == "text" || name == "annotation") {
+      EXPECT_EQ(v, it->second) << where << "." << k;
+    } else {
+      const double a = std::stod(v), b = std::stod(it->second);
+      double d = std::fabs(a - b);
+      if (name == "rotation" || name == "start_angle" || name == "end_angle") d = std::fabs(std::remainder(d, 360.0));
+      EXPECT_LE(d, 1e-9 * std::max(1.0, std::fabs(b))) << where << "." << k << ": " << v << " vs " << it->second;
+    }
   }
 }
 
@@ -275,16 +194,14 @@ TEST(Entities, RealDrawingsReadAsAnIndependentReaderReadsThem) {
   std::map<std::string, std::map<std::string, int>> seen;  // file -> type -> count
   int status = -1;
   std::string messages;
-  for (const Json& theirs : dump(files, false, &status, &messages)) {
-    const std::string where = fs::path(theirs["file"].s).filename().string() + " " + theirs["type"].s + " " +
-                              theirs["handle"].s;
-    OdDbEntityPtr e = entityByHandle(*dbs[theirs["file"].s], theirs["handle"].s);
-    ASSERT_TRUE(e) << where;
-    Json ours = describe(e.get());
-    ASSERT_EQ(ours["type"].s, theirs["type"].s) << where;
-    expectSame(ours, theirs, where);
-    ++seen[theirs["file"].s][theirs["type"].s];
-  }
+  for (auto& [file, entities] : dump(files, false, &status, &messages))
+    for (auto& [handle, theirs] : entities) {
+      const std::string where = fs::path(file).filename().string() + " " + get(theirs, "type") + " " + handle;
+      OdDbEntityPtr e = entityByHandle(*dbs[file], handle);
+      ASSERT_TRUE(e) << where;
+      expectSame(describe(e.get()), theirs, where);
+      ++seen[file][get(theirs, "type")];
+    }
   EXPECT_EQ(status, 0) << messages;
   // Every kind turned up somewhere, and each file was read.
   std::set<std::string> kinds;
@@ -390,10 +307,11 @@ TEST(Entities, StructuralEditsReadBackIndependently) {
   db->writeDxfFile(file.string());
   const OdDbEntity* edited[] = {pl.get(), turned.get()};
   size_t found = 0;
-  for (const Json& theirs : dump({file.string()}, false))
+  auto dumped = dump({file.string()}, false);
+  for (auto& [handle, theirs] : dumped[file.string()])
     for (const OdDbEntity* e : edited)
-      if (theirs["handle"].s == e->getDbHandle().ascii().toUtf8()) {
-        expectSame(describe(e), theirs, "ezdxf " + theirs["type"].s);
+      if (handle == e->getDbHandle().ascii().toUtf8()) {
+        expectSame(describe(e), theirs, "ezdxf " + get(theirs, "type"));
         ++found;
       }
   EXPECT_EQ(found, 2u);
@@ -526,13 +444,13 @@ TEST_P(NewEntities, SaveReloadAndReadIndependentlyAsSet) {
 
   const std::string bytes = db->toDxf();
   OdDbDatabasePtr again = OdDbDatabase::readDxf(bytes);
-  std::map<std::string, Json> set;  // handle -> values as set
+  std::map<std::string, Values> set;  // handle -> values as set
   for (auto& id : made) {
     const std::string h = id.getHandle().ascii().toUtf8();
     set[h] = describe(odOpen<OdDbEntity>(id).get());
     OdDbEntityPtr e = entityByHandle(*again, h);
     ASSERT_TRUE(e) << h;
-    expectSame(describe(e.get()), set[h], "reloaded " + set[h]["type"].s);
+    expectSame(describe(e.get()), set[h], "reloaded " + set[h]["type"]);
     // Text goes through the drawing's encoding, set before the entity was in it.
     if (auto t = OdDbText::cast(e.get())) EXPECT_EQ(t->textString(), OdString(kText));
     if (auto m = OdDbMText::cast(e.get())) {
@@ -554,11 +472,12 @@ TEST_P(NewEntities, SaveReloadAndReadIndependentlyAsSet) {
   int status = -1;
   std::string messages;
   size_t found = 0;
-  for (const Json& theirs : dump({file.string()}, true, &status, &messages)) {
-    auto it = set.find(theirs["handle"].s);
+  auto dumped = dump({file.string()}, true, &status, &messages);
+  for (auto& [handle, theirs] : dumped[file.string()]) {
+    auto it = set.find(handle);
     if (it == set.end()) continue;
     ++found;
-    expectSame(it->second, theirs, "ezdxf " + theirs["type"].s);
+    expectSame(it->second, theirs, "ezdxf " + get(theirs, "type"));
   }
   EXPECT_EQ(status, 0) << messages;
   EXPECT_EQ(found, made.size());

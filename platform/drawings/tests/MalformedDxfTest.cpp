@@ -90,7 +90,7 @@ struct Lines {
   size_t nextChunk(size_t i) const { return findCode(0, i + 2); }
   void setValue(size_t i, const std::string& v) { l.at(i + 1) = v + eol; }
   void erase(size_t from, size_t to) { l.erase(l.begin() + from, l.begin() + to); }
-  void insert(size_t at, std::initializer_list<const char*> lines) {
+  void insert(size_t at, const std::vector<const char*>& lines) {
     std::vector<std::string> add;
     for (const char* s : lines) add.push_back(s + eol);
     l.insert(l.begin() + at, add.begin(), add.end());
@@ -125,9 +125,46 @@ void expectRejected(const Broken& b) {
 }
 
 struct AsciiCase {
-  const char* what;
+  std::string what;
   std::function<Broken(Lines)> make;
 };
+
+// The first group code line after `section` starts replaced by `line`.
+AsciiCase badCode(const char* section, int code, std::string line, std::vector<std::string> says) {
+  return {"group code line \"" + line + "\" in " + section, [=](Lines f) {
+            size_t i = f.findCode(code, f.section(section));
+            f.l[i] = line + f.eol;
+            return Broken{f.join(), lineNo(i), says};
+          }};
+}
+
+// The value of the first tag with `code` after `section` starts replaced by `value`.
+AsciiCase badValue(const char* section, int code, std::string value, std::string expected) {
+  return {"value \"" + value + "\" for code " + std::to_string(code) + " in " + section, [=](Lines f) {
+            size_t i = f.findCode(code, f.section(section));
+            f.setValue(i, value);
+            return Broken{f.join(), lineNo(i + 1),
+                          {"group code " + std::to_string(code), "expected " + expected + ", found \"" + value + "\""}};
+          }};
+}
+
+// The ENDSEC of `section` left out, so the next section's start or EOF is what follows.
+AsciiCase noEndsec(const char* section, std::vector<std::string> says) {
+  return {std::string("no ENDSEC after ") + section, [=](Lines f) {
+            size_t i = f.find(0, "ENDSEC", f.section(section));
+            f.erase(i, i + 2);
+            return Broken{f.join(), lineNo(i), says};
+          }};
+}
+
+// `lines` put in as the first thing in `section`.
+AsciiCase misplaced(const char* section, std::vector<const char*> lines, std::vector<std::string> says) {
+  return {std::string(lines[1]) + " in " + section, [=](Lines f) {
+            size_t i = f.section(section) + 4;
+            f.insert(i, lines);
+            return Broken{f.join(), lineNo(i), says};
+          }};
+}
 
 // Each case breaks a valid file in one place; it works on any ASCII file with
 // tables, blocks and entities, whatever their version.
@@ -170,102 +207,22 @@ const std::vector<AsciiCase>& asciiCases() {
          size_t i = f.find(0, "EOF");
          return Broken{f.join(i), lineNo(i), {"expected 0/EOF", "end of the file"}};
        }},
-      {"group code is a word",
-       [](Lines f) {
-         size_t i = f.findCode(10, f.section("ENTITIES"));
-         f.l[i] = "1O" + f.eol;
-         return Broken{f.join(), lineNo(i), {"expected a group code (an integer), found \"1O\""}};
-       }},
-      {"group code line empty",
-       [](Lines f) {
-         size_t i = f.findCode(8, f.section("ENTITIES"));
-         f.l[i] = f.eol;
-         return Broken{f.join(), lineNo(i), {"expected a group code (an integer), found \"\""}};
-       }},
-      {"group code followed by text",
-       [](Lines f) {
-         size_t i = f.findCode(8, f.section("BLOCKS"));
-         f.l[i] = "8 x" + f.eol;
-         return Broken{f.join(), lineNo(i), {"found \"8 x\""}};
-       }},
-      {"group code above the last one",
-       [](Lines f) {
-         size_t i = f.findCode(10, f.section("ENTITIES"));
-         f.l[i] = "1072" + f.eol;
-         return Broken{f.join(), lineNo(i), {"group code 1072", "expected a group code between 0 and 1071"}};
-       }},
-      {"negative group code",
-       [](Lines f) {
-         size_t i = f.findCode(70, f.section("TABLES"));
-         f.l[i] = "-1" + f.eol;
-         return Broken{f.join(), lineNo(i), {"group code -1", "between 0 and 1071"}};
-       }},
-      {"word in a coordinate",
-       [](Lines f) {
-         size_t i = f.findCode(10, f.section("ENTITIES"));
-         f.setValue(i, "abc");
-         return Broken{f.join(), lineNo(i + 1), {"group code 10", "expected a floating point number, found \"abc\""}};
-       }},
-      {"decimal comma in a coordinate",
-       [](Lines f) {
-         size_t i = f.findCode(20, f.section("BLOCKS"));
-         f.setValue(i, "1,5");
-         return Broken{f.join(), lineNo(i + 1), {"group code 20", "expected a floating point number, found \"1,5\""}};
-       }},
-      {"empty coordinate",
-       [](Lines f) {
-         size_t i = f.findCode(40, f.section("ENTITIES"));
-         f.setValue(i, "");
-         return Broken{f.join(), lineNo(i + 1), {"group code 40", "expected a floating point number, found \"\""}};
-       }},
-      {"word in an integer",
-       [](Lines f) {
-         size_t i = f.findCode(70, f.section("TABLES"));
-         f.setValue(i, "x");
-         return Broken{f.join(), lineNo(i + 1), {"group code 70", "expected an integer, found \"x\""}};
-       }},
-      {"fraction in an integer",
-       [](Lines f) {
-         size_t i = f.findCode(70, f.section("BLOCKS"));
-         f.setValue(i, "1.5");
-         return Broken{f.join(), lineNo(i + 1), {"group code 70", "expected an integer, found \"1.5\""}};
-       }},
-      {"hexadecimal integer",
-       [](Lines f) {
-         size_t i = f.findCode(70, f.section("ENTITIES"));
-         f.setValue(i, "0x1F");
-         return Broken{f.join(), lineNo(i + 1), {"group code 70", "expected an integer, found \"0x1F\""}};
-       }},
-      {"integer beyond 64 bits",
-       [](Lines f) {
-         size_t i = f.findCode(70, f.section("TABLES"));
-         f.setValue(i, "123456789012345678901");
-         return Broken{f.join(), lineNo(i + 1), {"group code 70", "expected an integer, found \"123456789012345678901\""}};
-       }},
-      {"no ENDSEC after HEADER",
-       [](Lines f) {
-         size_t i = f.find(0, "ENDSEC");
-         f.erase(i, i + 2);
-         return Broken{f.join(), lineNo(i), {"group code 0 (\"SECTION\")", "expected 0/ENDSEC to close section HEADER"}};
-       }},
-      {"no ENDSEC after TABLES",
-       [](Lines f) {
-         size_t i = f.find(0, "ENDSEC", f.section("TABLES"));
-         f.erase(i, i + 2);
-         return Broken{f.join(), lineNo(i), {"group code 0 (\"SECTION\")", "expected 0/TABLE or 0/ENDSEC"}};
-       }},
-      {"no ENDSEC after BLOCKS",
-       [](Lines f) {
-         size_t i = f.find(0, "ENDSEC", f.section("BLOCKS"));
-         f.erase(i, i + 2);
-         return Broken{f.join(), lineNo(i), {"group code 0 (\"SECTION\")", "expected 0/BLOCK or 0/ENDSEC"}};
-       }},
-      {"no ENDSEC after ENTITIES",
-       [](Lines f) {
-         size_t i = f.find(0, "ENDSEC", f.section("ENTITIES"));
-         f.erase(i, i + 2);
-         return Broken{f.join(), lineNo(i), {"group code 0", "0/ENDSEC to close section ENTITIES"}};
-       }},
+      badCode("ENTITIES", 10, "1O", {"expected a group code (an integer), found \"1O\""}),
+      badCode("ENTITIES", 8, "", {"expected a group code (an integer), found \"\""}),
+      badCode("BLOCKS", 8, "8 x", {"found \"8 x\""}),
+      badCode("ENTITIES", 10, "1072", {"group code 1072", "expected a group code between 0 and 1071"}),
+      badCode("TABLES", 70, "-1", {"group code -1", "between 0 and 1071"}),
+      badValue("ENTITIES", 10, "abc", "a floating point number"),
+      badValue("BLOCKS", 20, "1,5", "a floating point number"),
+      badValue("ENTITIES", 40, "", "a floating point number"),
+      badValue("TABLES", 70, "x", "an integer"),
+      badValue("BLOCKS", 70, "1.5", "an integer"),
+      badValue("ENTITIES", 70, "0x1F", "an integer"),
+      badValue("TABLES", 70, "123456789012345678901", "an integer"),
+      noEndsec("HEADER", {"group code 0 (\"SECTION\")", "expected 0/ENDSEC to close section HEADER"}),
+      noEndsec("TABLES", {"group code 0 (\"SECTION\")", "expected 0/TABLE or 0/ENDSEC"}),
+      noEndsec("BLOCKS", {"group code 0 (\"SECTION\")", "expected 0/BLOCK or 0/ENDSEC"}),
+      noEndsec("ENTITIES", {"group code 0", "0/ENDSEC to close section ENTITIES"}),
       {"no ENDTAB after the first table",
        [](Lines f) {
          size_t t = f.find(0, "TABLE");
@@ -294,30 +251,12 @@ const std::vector<AsciiCase>& asciiCases() {
          f.insert(i, {"0", "TABLE", "2", "LAYER", "70", "0", "0", "ENDTAB"});
          return Broken{f.join(), lineNo(i), {"group code 0 (\"TABLE\")", "expected 0/SECTION or 0/EOF"}};
        }},
-      {"TABLE in BLOCKS",
-       [](Lines f) {
-         size_t i = f.section("BLOCKS") + 4;
-         f.insert(i, {"0", "TABLE", "2", "LAYER", "70", "0", "0", "ENDTAB"});
-         return Broken{f.join(), lineNo(i), {"group code 0 (\"TABLE\")", "expected 0/BLOCK or 0/ENDSEC"}};
-       }},
-      {"TABLE in ENTITIES",
-       [](Lines f) {
-         size_t i = f.section("ENTITIES") + 4;
-         f.insert(i, {"0", "TABLE", "2", "LAYER", "70", "0", "0", "ENDTAB"});
-         return Broken{f.join(), lineNo(i), {"group code 0 (\"TABLE\")", "section ENTITIES"}};
-       }},
-      {"ENDBLK in ENTITIES",
-       [](Lines f) {
-         size_t i = f.section("ENTITIES") + 4;
-         f.insert(i, {"0", "ENDBLK", "8", "0"});
-         return Broken{f.join(), lineNo(i), {"group code 0 (\"ENDBLK\")", "section ENTITIES"}};
-       }},
-      {"entity in TABLES",
-       [](Lines f) {
-         size_t i = f.section("TABLES") + 4;
-         f.insert(i, {"0", "LINE", "8", "0"});
-         return Broken{f.join(), lineNo(i), {"group code 0 (\"LINE\")", "expected 0/TABLE or 0/ENDSEC"}};
-       }},
+      misplaced("BLOCKS", {"0", "TABLE", "2", "LAYER", "70", "0", "0", "ENDTAB"},
+                {"group code 0 (\"TABLE\")", "expected 0/BLOCK or 0/ENDSEC"}),
+      misplaced("ENTITIES", {"0", "TABLE", "2", "LAYER", "70", "0", "0", "ENDTAB"},
+                {"group code 0 (\"TABLE\")", "section ENTITIES"}),
+      misplaced("ENTITIES", {"0", "ENDBLK", "8", "0"}, {"group code 0 (\"ENDBLK\")", "section ENTITIES"}),
+      misplaced("TABLES", {"0", "LINE", "8", "0"}, {"group code 0 (\"LINE\")", "expected 0/TABLE or 0/ENDSEC"}),
       {"section without a name",
        [](Lines f) {
          size_t i = f.section("ENTITIES");
@@ -356,7 +295,7 @@ TEST(MalformedDxf, AsciiBrokenManyWays) {
     // The cases must break a file that is fine as it is.
     ASSERT_NO_THROW(OdDbDatabase::readDxf(bytes)) << path;
     for (const AsciiCase& c : asciiCases()) {
-      SCOPED_TRACE(std::string(path) + ": " + c.what);
+      SCOPED_TRACE(path + (": " + c.what));
       expectRejected(c.make(file));
     }
   }

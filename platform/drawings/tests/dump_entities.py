@@ -4,15 +4,15 @@
 Usage: dump_entities.py [--audit] FILE.dxf...
 
 For every LINE, CIRCLE, ARC, POINT, SOLID, LWPOLYLINE, INSERT, TEXT, MTEXT and
-LEADER (in model space, paper space and block definitions alike) prints one JSON
-object per line: "file", "handle", "type" and the entity's properties under the
-names below. Points are [x, y, z] lists, angles are in degrees as ezdxf gives
-them, strings are decoded text in UTF-8. With --audit each file is also audited, and what
+LEADER (in model space, paper space and block definitions alike) prints a line
+"FILE path" and then one line "handle key value" per value: "type" and the
+entity's properties under the names below, lists flattened into "key.index"
+(a point's x is "start.0"). Numbers are floats (booleans 1 or 0), angles are in
+degrees as ezdxf gives them, strings are decoded text in UTF-8. With --audit each file is also audited, and what
 the audit found or fixed is printed to stderr: exit status 1 when it found or
 fixed anything (ezdxf silently repairs faults that other programs reject), 2 on
 bad usage or when ezdxf cannot be imported.
 """
-import json
 import re
 import sys
 
@@ -101,6 +101,18 @@ def properties(e):
     return None
 
 
+def flat(key, value, out):
+    if isinstance(value, (list, tuple)):
+        for i, v in enumerate(value):
+            flat(f"{key}.{i}", v, out)
+    elif isinstance(value, (bool, int, float)):
+        out.append((key, repr(float(value))))
+    else:
+        if "\n" in value:  # a value is the rest of its line
+            raise ValueError(f"line break in {key}")
+        out.append((key, value))
+
+
 def main(args):
     sys.stdout.reconfigure(encoding="utf-8")
     audit = "--audit" in args
@@ -116,10 +128,14 @@ def main(args):
             for entry in auditor.errors + auditor.fixes:
                 print(f"{path}: {entry.message}", file=sys.stderr)
                 status = 1
+        print(f"FILE {path}")
         for e in doc.entitydb.values():
             if e.is_alive and (p := properties(e)) is not None:
-                p.update(file=path, handle=e.dxf.handle, type=e.dxftype())
-                print(json.dumps(p, ensure_ascii=False))
+                out = [("type", e.dxftype())]
+                for key, value in p.items():
+                    flat(key, value, out)
+                for key, value in out:
+                    print(e.dxf.handle, key, value)
     return status
 
 
