@@ -15,6 +15,8 @@ DxfWriter::DxfWriter(const OdDbDatabase& db, const DxfSaveOptions& options, std:
   m_style = dxfStyleOf(db);
   m_style.format = m_format;
   m_style.shortCodes = m_format == DxfFormat::Binary && dxfver::binaryShortCodes(m_version);
+  // Saved as read: group codes as wide as the file had them, whatever its version says.
+  if (m_same && m_format == DxfFormat::Binary) m_style.shortCodes = db.m_style.shortCodes;
   // Keep the file's own line endings and code padding when we can.
   if (m_format == db.format() && db.format() == DxfFormat::Ascii) {
     const std::string_view src = db.m_source ? std::string_view(*db.m_source) : std::string_view();
