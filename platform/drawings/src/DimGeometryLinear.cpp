@@ -15,7 +15,6 @@
 namespace dimgeom {
 namespace {
 
-constexpr double kPi = std::numbers::pi;
 
 
 

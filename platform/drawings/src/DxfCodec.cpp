@@ -74,7 +74,6 @@ constexpr CodePageInfo kCodePages[] = {
     {"MACINTOSH", "MACINTOSH"},   {"BIG5", "BIG5"},             {"KSC5601", "CP949"},
     {"JOHAB", "JOHAB"},           {"GB2312", "CP936"},
 };
-constexpr std::string_view kDefaultCodePage = "ANSI_1252";
 
 // Code pages of the \M+n escape, indexed by n.
 constexpr std::string_view kMbcsPages[] = {"", "ANSI_932", "ANSI_950", "ANSI_949", "ANSI_1361", "ANSI_936"};

@@ -15,7 +15,6 @@ namespace {
 constexpr double kLineSpacing = 5.0 / 3.0;
 
 OdGeVector3d operator*(const OdGeVector3d& v, double s) { return {v.x * s, v.y * s, v.z * s}; }
-OdGeVector3d operator+(const OdGeVector3d& a, const OdGeVector3d& b) { return {a.x + b.x, a.y + b.y, a.z + b.z}; }
 OdGePoint3d operator+(const OdGePoint3d& p, const OdGeVector3d& v) { return {p.x + v.x, p.y + v.y, p.z + v.z}; }
 OdGePoint3d operator-(const OdGePoint3d& p, const OdGeVector3d& v) { return {p.x - v.x, p.y - v.y, p.z - v.z}; }
 OdGeVector3d operator-(const OdGePoint3d& a, const OdGePoint3d& b) { return {a.x - b.x, a.y - b.y, a.z - b.z}; }
