@@ -4,7 +4,6 @@
 // and arrowheads fit there and moved outside when they do not.
 #include <algorithm>
 #include <cmath>
-#include <numbers>
 
 #include "DimGeometryImpl.h"
 #include "DimVarSnapshot.h"
