@@ -246,8 +246,12 @@ TEST(DimStyle, EveryVariableSurvivesSavingInEveryVersion) {
     };
     for (std::size_t i = 0; i < kDimVarCatalogueSize; ++i) {
       const auto& row = kDimVarDefaults[i];
-      if (styleHolds(row, v)) EXPECT_TRUE(same(row, style2->dimVar(i), want[i])) << "style " << row.name;
-      if (row.inHeader(v)) EXPECT_TRUE(same(row, again->dimVar(i), want[i])) << "header " << row.name;
+      if (styleHolds(row, v)) {
+        EXPECT_TRUE(same(row, style2->dimVar(i), want[i])) << "style " << row.name;
+      }
+      if (row.inHeader(v)) {
+        EXPECT_TRUE(same(row, again->dimVar(i), want[i])) << "header " << row.name;
+      }
       EXPECT_TRUE(dim2->hasDimVarOverride(i)) << row.name;
       EXPECT_TRUE(same(row, dim2->dimVar(i), want[i])) << "override " << row.name;
     }

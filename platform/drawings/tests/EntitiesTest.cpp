@@ -452,7 +452,9 @@ TEST_P(NewEntities, SaveReloadAndReadIndependentlyAsSet) {
     ASSERT_TRUE(e) << h;
     expectSame(describe(e.get()), set[h], "reloaded " + set[h]["type"]);
     // Text goes through the drawing's encoding, set before the entity was in it.
-    if (auto t = OdDbText::cast(e.get())) EXPECT_EQ(t->textString(), OdString(kText));
+    if (auto t = OdDbText::cast(e.get())) {
+      EXPECT_EQ(t->textString(), OdString(kText));
+    }
     if (auto m = OdDbMText::cast(e.get())) {
       EXPECT_EQ(m->contents(), OdString(contents));
       int pieces = 0;
