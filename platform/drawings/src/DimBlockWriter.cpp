@@ -1,6 +1,8 @@
 #include "DimBlockWriter.h"
 
 #include <algorithm>
+#include <cctype>
+#include <charconv>
 #include <cmath>
 #include <numbers>
 
@@ -80,9 +82,9 @@ public:
   void begin(std::string_view name, uint64_t handle, uint64_t owner) {
     m_out.clear();
     text(0, name);
-    if (m_handles) text(5, dxfFormatHandle(handle));
+    if (m_handles) hex(5, handle);
     if (m_markers) {
-      text(330, dxfFormatHandle(owner));
+      hex(330, owner);
       text(100, "AcDbEntity");
     }
   }
@@ -90,6 +92,13 @@ public:
     if (m_markers) text(100, m);
   }
   void text(int code, std::string_view v) { dxfWriteNewTag(m_out, code, v, m_style); }
+  // A handle, in upper-case hexadecimal as files spell them.
+  void hex(int code, uint64_t h) {
+    char buf[20];
+    char* end = std::to_chars(buf, buf + sizeof buf, h, 16).ptr;
+    for (char* c = buf; c != end; ++c) *c = static_cast<char>(std::toupper(static_cast<unsigned char>(*c)));
+    text(code, std::string_view(buf, static_cast<size_t>(end - buf)));
+  }
   void integer(int code, int64_t v) { dxfWriteInt(m_out, code, v, m_style); }
   void real(int code, double v) { dxfWriteDouble(m_out, code, v, m_style); }
   void point(int code, Vec p) {
@@ -322,7 +331,9 @@ private:
 
 void writeBlockItems(OdDbDatabase& db, OdDbBlockTableRecord& block, const OdDbDimension& dim,
                      const std::vector<Item>& items) {
-  if (block.objectId() == db.getModelSpaceId() || block.objectId() == db.getPaperSpaceId())
+  // Anonymous dimension blocks ("*D...") are never layouts: only other names are looked at closely.
+  const std::string name = block.firstValue(2).value_or("");
+  if ((name.size() < 2 || name[0] != '*' || (name[1] != 'D' && name[1] != 'd')) && block.isLayout())
     throw OdError(eInvalidInput, "a dimension's block cannot be a layout");
   Writer writer(db, block, dim);
   for (const Item& it : items) writer.write(it);

@@ -4,7 +4,9 @@
 // extended data of the entity).
 #pragma once
 
+#include <algorithm>
 #include <bitset>
+#include <cctype>
 #include <cstddef>
 
 #include "drawings/DimText.h"
@@ -49,12 +51,13 @@ inline OdString dimensionText(const OdDbDimension& dim, const DimVarSnapshot& va
   in.measurement = measurement;
   in.userText = dim.dimensionText();
   in.vars = &vars;
-  const OdDbDatabase* db = dim.database();
-  if (db) in.version = db->version();
-  // Most dimensions are in model space, which needs no name to tell.
-  if (!db || dim.ownerId() != db->getModelSpaceId())
-    if (auto owner = odOpen<OdDbBlockTableRecord>(dim.ownerId()))
-      in.inPaperSpace = owner->isLayout() && owner->getName().left(12).iCompare(L"*Paper_Space") == 0;
+  if (const OdDbDatabase* db = dim.database()) in.version = db->version();
+  // The owner's name as the file spells it: enough to tell a paper space layout.
+  if (auto owner = odOpen<OdDbBlockTableRecord>(dim.ownerId())) {
+    const std::string name = owner->firstValue(2).value_or("");
+    in.inPaperSpace = name.size() >= 12 && std::equal(name.begin(), name.begin() + 12, "*PAPER_SPACE",
+                                                      [](char a, char b) { return std::toupper(static_cast<unsigned char>(a)) == b; });
+  }
   return odFormatDimText(in);
 }
 

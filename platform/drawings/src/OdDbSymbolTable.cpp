@@ -115,16 +115,16 @@ OdDbObjectIdArray OdDbSymbolTable::recordIds(bool includeErased) const {
 
 OdDbObjectIdArray OdDbBlockTableRecord::entityIds(bool includeErased) const {
   OdDbObjectIdArray ids;
-  std::vector<OdDbObjectId> all(m_entities);
-  all.insert(all.end(), m_sectionEntities.begin(), m_sectionEntities.end());
-  for (const auto& id : all) {
-    OdDbObject* o = id.stub() ? id.stub()->object : nullptr;
-    if (!o || (!includeErased && o->isErased())) continue;
-    // Vertices, attributes and SEQEND belong to the entity before them.
-    std::string_view n = o->dxfName();
-    if (n == "VERTEX" || n == "ATTRIB" || n == "SEQEND") continue;
-    ids.push_back(id);
-  }
+  ids.reserve(m_entities.size() + m_sectionEntities.size());
+  for (const auto* list : {&m_entities, &m_sectionEntities})
+    for (const auto& id : *list) {
+      OdDbObject* o = id.stub() ? id.stub()->object : nullptr;
+      if (!o || (!includeErased && o->isErased())) continue;
+      // Vertices, attributes and SEQEND belong to the entity before them.
+      std::string_view n = o->dxfName();
+      if (n == "VERTEX" || n == "ATTRIB" || n == "SEQEND") continue;
+      ids.push_back(id);
+    }
   return ids;
 }
 
