@@ -28,14 +28,10 @@ using namespace dimgeomtest;
 
 constexpr double kPi = std::numbers::pi;
 
-
-
-
 OdGePoint3d polar(double r, double a) { return {r * std::cos(a), r * std::sin(a), 0}; }
 
 #define EXPECT_ANGLE(actual, expected) \
   EXPECT_LT(std::fabs(std::remainder((actual) - (expected), 2 * kPi)), 1e-9) << (actual) * 180 / kPi << " degrees"
-
 
 // Sets the tag with `code` after the subclass marker `marker` (and the one after
 // it, its y).
@@ -53,6 +49,23 @@ void setPoint(OdDbDimension& d, const char* marker, int code, double x, double y
   FAIL() << "no " << code << " in " << marker;
 }
 
+// A right angle: vertex at the origin, points 10 along each axis, the arc `arc` out
+// on the bisector.
+void rightAngle(OdDb3PointAngularDimension& d, double arc) {
+  setPoint(d, "AcDb3PointAngularDimension", 15, 0, 0);
+  setPoint(d, "AcDb3PointAngularDimension", 13, 10, 0);
+  setPoint(d, "AcDb3PointAngularDimension", 14, 0, 10);
+  setPoint(d, "AcDbDimension", 10, arc * std::cos(kPi / 4), arc * std::sin(kPi / 4));
+}
+
+// An arc-length dimension of the arc of `radius` about the origin from 0 to
+// `sweep`, its dimension arc `at` from the centre.
+void aboutOrigin(OdDbArcDimension& d, double radius, double sweep, double at) {
+  setPoint(d, "AcDbArcDimension", 15, 0, 0);
+  setPoint(d, "AcDbArcDimension", 13, radius, 0);
+  setPoint(d, "AcDbArcDimension", 14, radius * std::cos(sweep), radius * std::sin(sweep));
+  setPoint(d, "AcDbDimension", 10, at * std::cos(sweep / 2), at * std::sin(sweep / 2));
+}
 
 // Both corners of a closed filled arrowhead's back lie a sixth of its length from
 // the point `back`, across the line from it to the tip.
@@ -74,10 +87,7 @@ TEST(DimGeometryAngular, ThreePointAngleWorkedOutByHand) {
   OdDbDatabasePtr db = OdDbDatabase::readDxfFile(testsupport::corpus("DomCR__ACadSharp__sample_AC1015_ascii.dxf"));
   auto d = first<OdDb3PointAngularDimension>(*db);
   ASSERT_TRUE(d);
-  setPoint(*d, "AcDb3PointAngularDimension", 15, 0, 0);
-  setPoint(*d, "AcDb3PointAngularDimension", 13, 10, 0);
-  setPoint(*d, "AcDb3PointAngularDimension", 14, 0, 10);
-  setPoint(*d, "AcDbDimension", 10, 20 * std::cos(kPi / 4), 20 * std::sin(kPi / 4));
+  rightAngle(*d, 20);
   d->setDimtad(1);
   d->setDimtih(false);
   // The arrowheads' backs sit on the arc, 2.5 from their tips.
@@ -147,10 +157,7 @@ TEST(DimGeometryAngular, ArrowheadsOutsideAShortArc) {
   OdDbDatabasePtr db = OdDbDatabase::readDxfFile(testsupport::corpus("DomCR__ACadSharp__sample_AC1015_ascii.dxf"));
   auto d = first<OdDb3PointAngularDimension>(*db);
   ASSERT_TRUE(d);
-  setPoint(*d, "AcDb3PointAngularDimension", 15, 0, 0);
-  setPoint(*d, "AcDb3PointAngularDimension", 13, 10, 0);
-  setPoint(*d, "AcDb3PointAngularDimension", 14, 0, 10);
-  setPoint(*d, "AcDbDimension", 10, 3 * std::cos(kPi / 4), 3 * std::sin(kPi / 4));
+  rightAngle(*d, 3);
   d->setDimtofl(false);
   d->setDimatfit(3);
   ASSERT_EQ(recomputeDimBlock(*d), eOk);
@@ -213,15 +220,6 @@ TEST(DimGeometryAngular, TwoLineAngleTakesTheSectorOfTheArcPoint) {
   b = primitives(d->dimBlockId());
   ASSERT_EQ(b[2].kind, "ARC");
   EXPECT_ANGLE(b[2].startAngle, kPi / 4 + 2 * std::asin(1.25 / 20));
-}
-
-// An arc-length dimension of the arc of `radius` about the origin from 0 to
-// `sweep`, its dimension arc `at` from the centre.
-static void aboutOrigin(OdDbArcDimension& d, double radius, double sweep, double at) {
-  setPoint(d, "AcDbArcDimension", 15, 0, 0);
-  setPoint(d, "AcDbArcDimension", 13, radius, 0);
-  setPoint(d, "AcDbArcDimension", 14, radius * std::cos(sweep), radius * std::sin(sweep));
-  setPoint(d, "AcDbDimension", 10, at * std::cos(sweep / 2), at * std::sin(sweep / 2));
 }
 
 // An arc of radius 100 about the origin from 0 to 60 degrees, dimensioned 110

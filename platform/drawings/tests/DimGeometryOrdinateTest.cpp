@@ -23,27 +23,11 @@ namespace fs = std::filesystem;
 namespace {
 using namespace dimgeomtest;
 
-
-
-
-
 std::vector<OdSmartPtr<OdDbOrdinateDimension>> ordinates(OdDbDatabase& db) {
   std::vector<OdSmartPtr<OdDbOrdinateDimension>> out;
   for (const OdDbObjectId& id : odOpen<OdDbBlockTableRecord>(db.getModelSpaceId())->entityIds())
     if (auto d = odOpen<OdDbOrdinateDimension>(id, OdDb::kForWrite)) out.push_back(d);
   return out;
-}
-
-
-// Sets the first tag with `code` (and the one after it, its y).
-void setPoint(OdDbDimension& d, int code, double x, double y) {
-  DxfTagList& t = d.tagsForWrite();
-  for (size_t i = 0; i + 1 < t.size(); ++i)
-    if (t[i].code == code) {
-      t[i].set(exact(x));
-      t[i + 1].set(exact(y));
-      return;
-    }
 }
 
 void setType(OdDbDimension& d, int type) {

@@ -29,22 +29,6 @@ using namespace dimgeomtest;
 
 constexpr double kPi = std::numbers::pi;
 
-
-
-
-
-
-// Sets the first tag with `code` (and the one after it, its y).
-void setPoint(OdDbDimension& d, int code, double x, double y) {
-  DxfTagList& t = d.tagsForWrite();
-  for (size_t i = 0; i + 1 < t.size(); ++i)
-    if (t[i].code == code) {
-      t[i].set(exact(x));
-      t[i + 1].set(exact(y));
-      return;
-    }
-}
-
 // Clears or sets bit 128 of code 70: text at its default place or where the user put it.
 void setUserText(OdDbDimension& d, bool user) {
   for (DxfTag& tag : d.tagsForWrite())
@@ -53,7 +37,6 @@ void setUserText(OdDbDimension& d, bool user) {
       return;
     }
 }
-
 
 // A SOLID arrowhead's tip and the direction it points in.
 OdGePoint3d tipOf(const Prim& s) { return s.p[2]; }

@@ -87,6 +87,17 @@ inline std::string exact(double v) {
   return buf;
 }
 
+// Sets the first tag with `code` (and the one after it, its y).
+inline void setPoint(OdDbDimension& d, int code, double x, double y) {
+  DxfTagList& t = d.tagsForWrite();
+  for (size_t i = 0; i + 1 < t.size(); ++i)
+    if (t[i].code == code) {
+      t[i].set(exact(x));
+      t[i + 1].set(exact(y));
+      return;
+    }
+}
+
 // The first entity of class T in model space, opened for write.
 template <class T>
 OdSmartPtr<T> first(OdDbDatabase& db) {
