@@ -350,32 +350,6 @@ TEST(DimGeometry, DimensionOutsideADatabaseIsRefused) {
 
 namespace {
 
-// Files a CAD program wrote: the producer names a maintenance version and is none
-// of the libraries and programs that write dimension blocks of their own.
-std::vector<std::string> referenceFiles() {
-  std::ifstream in(std::string(CORPUS_DIR) + "/MANIFEST.tsv");
-  auto split = [](const std::string& line) {
-    std::vector<std::string> f;
-    std::istringstream ls(line);
-    for (std::string cell; std::getline(ls, cell, '\t');) f.push_back(cell);
-    return f;
-  };
-  std::string line;
-  std::getline(in, line);
-  const std::vector<std::string> header = split(line);
-  auto col = [&](const char* n) { return static_cast<size_t>(std::find(header.begin(), header.end(), n) - header.begin()); };
-  const size_t fileCol = col("file"), hintCol = col("producer_hint");
-  std::vector<std::string> files;
-  while (std::getline(in, line)) {
-    auto f = split(line);
-    if (f.size() <= std::max(fileCol, hintCol)) continue;
-    std::string hint = odstr::narrow(odstr::folded(odstr::widen(f[hintCol])));
-    bool other = false;
-    for (const char* p : {"DXFRW", "DXFLIB", "QCAD", "REVIT", "EZDXF", "NETDXF"}) other |= hint.find(p) != hint.npos;
-    if (hint.find("$ACADMAINTVER") != hint.npos && !other) files.push_back(f[fileCol]);
-  }
-  return files;
-}
 
 // The largest distance between two blocks' lines, arrowheads and points, matched
 // kind by kind (lines either way round, solid outlines either way round); -1 when
@@ -439,7 +413,7 @@ TEST(DimGeometry, AgreesWithTheBlocksOfRealDrawings) {
     int compared = 0, geometry = 0, plain = 0;
   };
   std::map<int, Tally> byType;
-  for (const std::string& file : referenceFiles()) {
+  for (const std::string& file : testsupport::referenceFiles()) {
     const std::string bytes = testsupport::slurp(testsupport::corpus(file.c_str()));
     OdDbDatabasePtr saved = OdDbDatabase::readDxf(bytes), ours = OdDbDatabase::readDxf(bytes);
     for (const OdDbObjectId& btr : odOpen<OdDbBlockTable>(saved->getBlockTableId())->recordIds()) {

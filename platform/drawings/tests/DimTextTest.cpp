@@ -12,6 +12,7 @@
 #include <optional>
 #include <sstream>
 
+#include "TestSupport.h"
 #include "drawings/DimText.h"
 #include "drawings/OdDbDatabase.h"
 #include "drawings/OdDbDimension.h"
@@ -203,32 +204,6 @@ TEST(DimText, PlainTextIsWhatAReaderSees) {
 
 namespace {
 
-// Files whose header names a maintenance version and whose producer is none of the
-// libraries and programs known to write dimension blocks of their own.
-std::vector<std::string> referenceFiles() {
-  std::ifstream in(std::string(CORPUS_DIR) + "/MANIFEST.tsv");
-  auto split = [](const std::string& line) {
-    std::vector<std::string> f;
-    std::istringstream ls(line);
-    for (std::string cell; std::getline(ls, cell, '\t');) f.push_back(cell);
-    return f;
-  };
-  std::string line;
-  std::getline(in, line);
-  std::vector<std::string> header = split(line), files;
-  auto col = [&](const char* name) { return std::find(header.begin(), header.end(), name) - header.begin(); };
-  auto fileCol = col("file"), hintCol = col("producer_hint"), dimsCol = col("dimension_total");
-  while (std::getline(in, line)) {
-    auto f = split(line);
-    if (f.size() <= static_cast<size_t>(std::max({fileCol, hintCol, dimsCol}))) continue;
-    std::string hint = odstr::narrow(odstr::folded(odstr::widen(f[hintCol])));
-    bool other = false;
-    for (const char* p : {"DXFRW", "DXFLIB", "QCAD", "REVIT", "EZDXF", "NETDXF"}) other |= hint.find(p) != hint.npos;
-    if (hint.find("$ACADMAINTVER") != hint.npos && !other && f[dimsCol] != "0" && !f[dimsCol].empty())
-      files.push_back(f[fileCol]);
-  }
-  return files;
-}
 
 const char* kindName(DimTextKind k) {
   switch (k) {
@@ -267,7 +242,7 @@ TEST(DimText, AgreesWithTheBlocksOfRealDrawings) {
   std::map<std::string, Tally> byFile;
   std::map<std::string, int> skipped;
   int shown = 0;
-  for (const std::string& file : referenceFiles()) {
+  for (const std::string& file : testsupport::referenceFiles(true)) {
     OdDbDatabasePtr db = OdDbDatabase::readDxfFile(std::string(CORPUS_DIR) + "/" + file);
     auto blocks = odOpen<OdDbBlockTable>(db->getBlockTableId());
     for (const OdDbObjectId& btrId : blocks->recordIds()) {

@@ -1,6 +1,8 @@
 // Helpers shared by the drawing database's tests.
 #pragma once
 
+#include <algorithm>
+#include <cctype>
 #include <fstream>
 #include <sstream>
 #include <string>
@@ -33,6 +35,36 @@ inline std::vector<std::string> changedRegion(const std::string& a, const std::s
   size_t q = 0;
   while (q < la.size() - p && q < lb.size() - p && la[la.size() - 1 - q] == lb[lb.size() - 1 - q]) ++q;
   return std::vector<std::string>(lb.begin() + static_cast<long>(p), lb.end() - static_cast<long>(q));
+}
+
+// Corpus files a CAD program wrote (MANIFEST.tsv): the producer names a maintenance
+// version and is none of the libraries and programs that write dimension blocks
+// of their own. `withDimensions`: only those holding dimensions.
+inline std::vector<std::string> referenceFiles(bool withDimensions = false) {
+  std::ifstream in(std::string(CORPUS_DIR) + "/MANIFEST.tsv");
+  auto split = [](const std::string& line) {
+    std::vector<std::string> f;
+    std::istringstream ls(line);
+    for (std::string cell; std::getline(ls, cell, '\t');) f.push_back(cell);
+    return f;
+  };
+  std::string line;
+  std::getline(in, line);
+  const std::vector<std::string> header = split(line);
+  auto col = [&](const char* name) { return static_cast<size_t>(std::find(header.begin(), header.end(), name) - header.begin()); };
+  const size_t fileCol = col("file"), hintCol = col("producer_hint"), dimsCol = col("dimension_total");
+  std::vector<std::string> files;
+  while (std::getline(in, line)) {
+    const std::vector<std::string> f = split(line);
+    if (f.size() <= std::max({fileCol, hintCol, dimsCol})) continue;
+    std::string hint = f[hintCol];
+    for (char& c : hint) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+    bool other = false;
+    for (const char* p : {"DXFRW", "DXFLIB", "QCAD", "REVIT", "EZDXF", "NETDXF"}) other |= hint.find(p) != hint.npos;
+    const bool hasDims = !f[dimsCol].empty() && f[dimsCol] != "0";
+    if (hint.find("$ACADMAINTVER") != hint.npos && !other && (hasDims || !withDimensions)) files.push_back(f[fileCol]);
+  }
+  return files;
 }
 
 }  // namespace testsupport

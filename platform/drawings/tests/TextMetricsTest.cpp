@@ -293,28 +293,6 @@ TEST(TextMetrics, HostMayReplaceTheMeasurer) {
 
 namespace {
 
-// Files whose header names a maintenance version and whose producer is none of the
-// libraries and programs known to write dimension blocks of their own.
-std::vector<std::string> referenceFiles() {
-  std::ifstream in(std::string(CORPUS_DIR) + "/MANIFEST.tsv");
-  std::vector<std::string> files;
-  size_t hintCol = 0;
-  for (std::string line; std::getline(in, line);) {
-    std::vector<std::string> cells;
-    std::istringstream ls(line);
-    for (std::string cell; std::getline(ls, cell, '\t');) cells.push_back(cell);
-    if (files.empty() && hintCol == 0) {  // the header
-      hintCol = static_cast<size_t>(std::find(cells.begin(), cells.end(), "producer_hint") - cells.begin());
-      continue;
-    }
-    if (cells.size() <= hintCol) continue;
-    const std::string hint = odstr::narrow(odstr::folded(odstr::widen(cells[hintCol])));
-    bool other = false;
-    for (const char* p : {"DXFRW", "DXFLIB", "QCAD", "REVIT", "EZDXF", "NETDXF"}) other |= hint.find(p) != hint.npos;
-    if (hint.find("$ACADMAINTVER") != hint.npos && !other) files.push_back(cells[0]);
-  }
-  return files;
-}
 
 // A width that a CAD program worked out for a text.
 struct Sample {
@@ -415,7 +393,7 @@ TEST(TextMetrics, AgreesWithWidthsInRealDrawings) {
   const OdGiDefaultTextMetrics m = packagedFonts();
   std::map<std::string, std::vector<double>> errors;  // by kind of font
   std::vector<std::pair<double, std::string>> worst;
-  for (const std::string& file : referenceFiles()) {
+  for (const std::string& file : testsupport::referenceFiles()) {
     OdDbDatabasePtr db = OdDbDatabase::readDxfFile(std::string(CORPUS_DIR) + "/" + file);
     for (const OdDbObjectId& btr : odOpen<OdDbBlockTable>(db->getBlockTableId())->recordIds()) {
       for (const OdDbObjectId& id : odOpen<OdDbBlockTableRecord>(btr)->entityIds()) {
