@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include "TestSupport.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
@@ -18,6 +20,7 @@
 namespace fs = std::filesystem;
 
 namespace {
+using testsupport::haveEzdxf;
 
 // ---- Reading a block's geometry from its tags ----------------------------------
 
@@ -127,8 +130,6 @@ OdDbObjectId blockNamed(OdDbDatabase& db, const OdString& name) {
 size_t blockCount(OdDbDatabase& db) { return odOpen<OdDbBlockTable>(db.getBlockTableId())->recordIds().size(); }
 
 // ---- The independent reader ----------------------------------------------------
-
-bool haveEzdxf() { return std::system("/usr/bin/python3 -c 'import ezdxf' >/dev/null 2>&1") == 0; }
 
 struct EzdxfView {
   std::vector<std::string> audit;                                    // findings

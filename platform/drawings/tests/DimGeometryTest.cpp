@@ -26,6 +26,7 @@
 namespace fs = std::filesystem;
 
 namespace {
+using testsupport::haveEzdxf;
 using namespace dimgeomtest;
 
 constexpr double kPi = std::numbers::pi;
@@ -62,8 +63,6 @@ OdDbDatabasePtr withAligned(OdDbDatabasePtr db, OdGePoint3d p1, OdGePoint3d p2, 
 OdSmartPtr<OdDbDimension> openDim(OdDbDatabase& db, OdDbHandle h) {
   return odOpen<OdDbDimension>(db.getOdDbObjectId(h), OdDb::kForWrite);
 }
-
-bool haveEzdxf() { return std::system("/usr/bin/python3 -c 'import ezdxf' >/dev/null 2>&1") == 0; }
 
 // What ezdxf's audit finds in the saved drawing (one line per finding).
 std::vector<std::string> ezdxfAudit(const OdDbDatabase& db) {

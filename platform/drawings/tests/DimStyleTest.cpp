@@ -2,6 +2,8 @@
 // against an independent reader over real drawings and through save and reload.
 #include <gtest/gtest.h>
 
+#include "TestSupport.h"
+
 #include <cmath>
 #include <cstdio>
 #include <filesystem>
@@ -18,8 +20,7 @@
 namespace fs = std::filesystem;
 
 namespace {
-
-bool haveEzdxf() { return std::system("/usr/bin/python3 -c 'import ezdxf' >/dev/null 2>&1") == 0; }
+using testsupport::haveEzdxf;
 
 // (section, style, variable) -> value text, as ezdxf reads them.
 struct EzdxfView {

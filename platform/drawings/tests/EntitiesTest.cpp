@@ -24,6 +24,7 @@
 namespace fs = std::filesystem;
 
 namespace {
+using testsupport::haveEzdxf;
 using namespace testsupport;
 
 // An entity's values by name, as the dump script prints them: lists flattened to
@@ -38,8 +39,6 @@ std::string get(const Values& v, const std::string& key) {
 // ---- the independent reader ----
 
 fs::path dumpScript() { return fs::path(TESTS_DIR) / "dump_entities.py"; }
-
-bool haveEzdxf() { return std::system("/usr/bin/python3 -c 'import ezdxf' >/dev/null 2>&1") == 0; }
 
 #define SKIP_WITHOUT_EZDXF() \
   if (!haveEzdxf()) GTEST_SKIP() << "/usr/bin/python3 with ezdxf is not available"

@@ -3,12 +3,16 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cstdlib>
 #include <fstream>
 #include <sstream>
 #include <string>
 #include <vector>
 
 namespace testsupport {
+
+// Whether the independent reader (ezdxf, with the system interpreter) is there.
+inline bool haveEzdxf() { return std::system("/usr/bin/python3 -c 'import ezdxf' >/dev/null 2>&1") == 0; }
 
 inline std::string corpus(const char* name) { return std::string(CORPUS_DIR) + "/" + name; }
 
