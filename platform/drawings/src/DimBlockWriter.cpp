@@ -1,8 +1,7 @@
 #include "DimBlockWriter.h"
 
 #include <algorithm>
-#include <cctype>
-#include <charconv>
+#include <array>
 #include <cmath>
 #include <numbers>
 
@@ -16,13 +15,34 @@ namespace dimgeom {
 
 namespace {
 
-// Where the definition points go: the drawing's "Defpoints" layer, made when missing
-// (as a copy of layer 0 that does not plot).
-OdString defpointsLayer(OdDbDatabase& db) {
+// A record's name as the file spells it (empty for none), remembered for the
+// records last asked for: a drawing's dimensions name the same few arrow blocks,
+// text styles and line types again and again.
+const std::string& spelledName(const OdDbObjectId& id) {
+  struct Entry {
+    OdDbObjectId id;
+    uint64_t revision = 0;
+    std::string name;
+  };
+  static thread_local std::array<Entry, 8> cache;
+  static thread_local std::size_t next = 0;
+  static const std::string none;
+  OdDbObjectPtr rec = id.openObject();
+  if (!rec) return none;
+  for (const Entry& e : cache)
+    if (e.id == id && e.revision == rec->revision()) return e.name;
+  Entry& e = cache[next];
+  next = (next + 1) % cache.size();
+  e = Entry{id, rec->revision(), rec->firstValue(2).value_or(std::string())};
+  return e.name;
+}
+
+// Where the definition points go, as the file spells it: the drawing's "Defpoints"
+// layer, made when missing (as a copy of layer 0 that does not plot).
+std::string defpointsLayer(OdDbDatabase& db) {
   auto layers = odOpen<OdDbLayerTable>(db.getLayerTableId(), OdDb::kForWrite);
-  if (!layers) return L"Defpoints";
-  if (OdDbObjectId id = layers->getAt(L"Defpoints"); !id.isNull())
-    return odOpen<OdDbLayerTableRecord>(id)->getName();
+  if (!layers) return "Defpoints";
+  if (OdDbObjectId id = layers->getAtSpelled("Defpoints", *layers); !id.isNull()) return spelledName(id);
   const OdString name = db.extendedNames() ? OdString(L"Defpoints") : OdString(L"DEFPOINTS");
   auto zero = odOpen<OdDbLayerTableRecord>(layers->getAt(L"0"));
   OdSmartPtr<OdDbLayerTableRecord> record = OdDbLayerTableRecord::createObject();
@@ -52,7 +72,7 @@ OdString defpointsLayer(OdDbDatabase& db) {
     }
   }
   layers->add(record.get());
-  return name;
+  return db.codec().encode(name.view());
 }
 
 // Degrees in [0, 360), whole when within rounding noise of a whole number.
@@ -92,13 +112,7 @@ public:
     if (m_markers) text(100, m);
   }
   void text(int code, std::string_view v) { dxfWriteNewTag(m_out, code, v, m_style); }
-  // A handle, in upper-case hexadecimal as files spell them.
-  void hex(int code, uint64_t h) {
-    char buf[20];
-    char* end = std::to_chars(buf, buf + sizeof buf, h, 16).ptr;
-    for (char* c = buf; c != end; ++c) *c = static_cast<char>(std::toupper(static_cast<unsigned char>(*c)));
-    text(code, std::string_view(buf, static_cast<size_t>(end - buf)));
-  }
+  void hex(int code, uint64_t h) { text(code, dxfFormatHandle(h)); }
   void integer(int code, int64_t v) { dxfWriteInt(m_out, code, v, m_style); }
   void real(int code, double v) { dxfWriteDouble(m_out, code, v, m_style); }
   void point(int code, Vec p) {
@@ -106,7 +120,7 @@ public:
     real(code + 10, p.y);
     real(code + 20, 0.0);
   }
-  std::string take() { return m_out; }
+  std::string_view spelled() const { return m_out; }
 
 private:
   DxfStyle m_style;
@@ -124,7 +138,7 @@ public:
   Writer(OdDbDatabase& db, OdDbBlockTableRecord& block, const OdDbDimension& dim)
       : m_db(db), m_block(block), m_speller(db), m_old(block.entityIds()) {
     m_layer = encode(dim.layer());
-    m_linetype = dim.linetype();
+    if (const OdString own = dim.linetype(); own.iCompare(L"ByLayer") != 0) m_linetype = encode(own);
   }
 
   void write(const Item& it) {
@@ -138,7 +152,7 @@ public:
     m_speller.begin(name, e->getDbHandle().value(), m_block.getDbHandle().value());
     common(it);
     body(it);
-    e->replaceBytes(m_speller.take(), DxfFormat::Binary);
+    e->replaceBytes(m_speller.spelled(), DxfFormat::Binary);
   }
 
   // The old entities no item took are erased (undo brings them back).
@@ -194,16 +208,14 @@ private:
 
   void common(const Item& it) {
     const bool point = it.kind == ItemKind::Point;
-    if (point && m_defpoints.empty()) m_defpoints = encode(defpointsLayer(m_db));
+    if (point && m_defpoints.empty()) m_defpoints = defpointsLayer(m_db);
     m_speller.text(8, point ? m_defpoints : m_layer);
     // A line type of the dimension variables where one is named; the others follow
-    // the dimension's own.
-    OdString linetype = m_linetype;
-    if (!it.props.linetype.isNull()) {
-      const OdString& named = linetypeName(it.props.linetype);
-      if (!named.isEmpty() && named.iCompare(L"ByLayer") != 0 && named.iCompare(L"ByBlock") != 0) linetype = named;
-    }
-    if (linetype.iCompare(L"ByLayer") != 0) m_speller.text(6, encode(linetype));
+    // the dimension's own. Empty: ByLayer, written as no code.
+    std::string_view linetype = m_linetype;
+    if (!it.props.linetype.isNull())
+      if (const std::string_view named = linetypeName(it.props.linetype); !named.empty()) linetype = named;
+    if (!linetype.empty()) m_speller.text(6, linetype);
     const OdCmColor& c = it.props.color;
     if (!c.isByLayer()) {
       m_speller.integer(62, c.dxfAci());
@@ -239,7 +251,7 @@ private:
         break;
       case ItemKind::Arrow: {
         s.marker("AcDbBlockReference");
-        s.text(2, recordName(it.block));
+        s.text(2, spelledName(it.block));
         s.point(10, it.p[0]);
         if (it.scale != 1.0)
           for (int code : {41, 42, 43}) s.real(code, it.scale);
@@ -268,7 +280,7 @@ private:
     s.integer(72, 1);
     const std::vector<std::string> pieces = entitytags::mtextPieces(m_db.codec(), it.contents);
     for (size_t i = 0; i < pieces.size(); ++i) s.text(i + 1 < pieces.size() ? 3 : 1, pieces[i]);
-    if (const std::string style = textStyleName(it.textStyle); !style.empty()) s.text(7, style);
+    if (const std::string_view style = textStyleName(it.textStyle); !style.empty()) s.text(7, style);
     if (std::fabs(std::remainder(it.angle, 2 * std::numbers::pi)) > 1e-12) {
       s.real(11, std::cos(it.angle));
       s.real(21, std::sin(it.angle));
@@ -289,7 +301,7 @@ private:
     s.real(40, it.height);
     s.text(1, m_db.codec().encode(one));
     if (const double degrees = cleanDegrees(it.angle); degrees != 0.0) s.real(50, degrees);
-    if (const std::string style = textStyleName(it.textStyle); !style.empty()) s.text(7, style);
+    if (const std::string_view style = textStyleName(it.textStyle); !style.empty()) s.text(7, style);
     s.integer(72, 1);  // centred
     s.point(11, it.p[0]);
     s.integer(73, 2);  // middle
@@ -297,23 +309,16 @@ private:
 
   std::string encode(const OdString& s) const { return m_db.codec().encode(s.view()); }
 
-  // Record names as the file spells them, looked up once per block.
-  std::string recordName(const OdDbObjectId& id) {
-    for (const auto& [known, name] : m_names)
-      if (known == id) return name;
-    OdDbObjectPtr rec = id.openObject();
-    m_names.emplace_back(id, rec ? rec->firstValue(2).value_or(std::string()) : std::string());
-    return m_names.back().second;
-  }
   // Empty for the standard style, which text follows when it names none.
-  std::string textStyleName(const OdDbObjectId& id) {
+  std::string_view textStyleName(const OdDbObjectId& id) {
     if (id.isNull()) return {};
-    std::string name = recordName(id);
-    return m_db.codec().decode(name).iCompare(L"Standard") == 0 ? std::string() : name;
+    const std::string& name = spelledName(id);
+    return dxfEqualNoCase(name, "Standard") ? std::string_view() : name;
   }
-  OdString linetypeName(const OdDbObjectId& id) {
-    auto lt = odOpen<OdDbLinetypeTableRecord>(id);
-    return lt ? lt->getName() : OdString();
+  // A named line type; empty for ByLayer, ByBlock and none.
+  static std::string_view linetypeName(const OdDbObjectId& id) {
+    const std::string& name = spelledName(id);
+    return dxfEqualNoCase(name, "ByLayer") || dxfEqualNoCase(name, "ByBlock") ? std::string_view() : name;
   }
 
   OdDbDatabase& m_db;
@@ -323,8 +328,7 @@ private:
   size_t m_next = 0;
   bool m_reusing = true;
   std::string m_layer, m_defpoints;
-  OdString m_linetype;  // the dimension's own
-  std::vector<std::pair<OdDbObjectId, std::string>> m_names;
+  std::string m_linetype;  // the dimension's own, as the file spells it; empty for ByLayer
 };
 
 }  // namespace

@@ -20,34 +20,26 @@
 
 namespace dimgeom {
 
-const OdDimVarValue& styleValue(const OdDbDimStyleTableRecord& style, std::size_t row) {
+const StyleValues& styleValues(const OdDbDimStyleTableRecord& style) {
   struct Entry {
     const OdDbDimStyleTableRecord* style = nullptr;
     uint64_t styleRevision = 0, headerRevision = 0;
-    std::array<std::optional<OdDimVarValue>, kDimVarDefaults.size()> values;
+    StyleValues values;
   };
   // A few styles at a time: drawings mostly use one or two (and their children).
   static thread_local std::array<Entry, 4> cache;
   static thread_local std::size_t nextSlot = 0;
   const OdDbObject* header = style.database() ? style.database()->header() : nullptr;
   const uint64_t headerRevision = header ? header->revision() : 0;
-  Entry* e = nullptr;
-  for (Entry& c : cache)
-    if (c.style == &style) e = &c;
-  if (!e) {
-    e = &cache[nextSlot];
-    nextSlot = (nextSlot + 1) % cache.size();
-    e->style = &style;
-    e->styleRevision = 0;
-  }
-  if (e->styleRevision != style.revision() || e->headerRevision != headerRevision) {
-    e->styleRevision = style.revision();
-    e->headerRevision = headerRevision;
-    for (auto& v : e->values) v.reset();
-  }
-  std::optional<OdDimVarValue>& v = e->values[row];
-  if (!v) v = style.dimVar(row);
-  return *v;
+  for (Entry& e : cache)
+    if (e.style == &style && e.styleRevision == style.revision() && e.headerRevision == headerRevision) return e.values;
+  Entry& e = cache[nextSlot];
+  nextSlot = (nextSlot + 1) % cache.size();
+  e.style = &style;
+  e.styleRevision = style.revision();
+  e.headerRevision = headerRevision;
+  for (std::size_t row = 0; row < e.values.size(); ++row) e.values[row] = style.dimVar(row);
+  return e.values;
 }
 
 double Vec::length() const { return std::hypot(x, y); }

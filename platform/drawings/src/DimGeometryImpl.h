@@ -122,6 +122,7 @@ struct Item {
 };
 
 struct BlockContents {
+  BlockContents() { items.reserve(12); }  // a block seldom holds more: no regrowth while it is built
   std::vector<Item> items;
   Vec textPosition;      // the text's middle (code 11)
   Vec dimLinePoint;      // where the definition point on the dimension line belongs (code 10)

@@ -1,5 +1,7 @@
 #include "DimOverrides.h"
 
+#include <algorithm>
+
 #include "DimVarStorage.h"
 #include "drawings/OdDbDatabase.h"
 
@@ -20,7 +22,7 @@ Group locate(const OdDbObject& o) {
   const auto& t = o.tags();
   size_t i = o.xdataStart();
   for (; i < t.size(); ++i)
-    if (t[i].code == 1001 && o.decodeText(t[i].text).iCompare(L"ACAD") == 0) break;
+    if (t[i].code == 1001 && dxfEqualNoCase(t[i].text, "ACAD")) break;
   if (i >= t.size()) return g;
   g.hasApp = true;
   g.app = i;
@@ -102,6 +104,33 @@ std::vector<std::size_t> rows(const OdDbObject& o) {
   for (size_t k = g.open + 1; k + 1 < g.close; k += 2)
     if (t[k].code == 1070)
       if (auto r = rowOfCode(static_cast<int>(t[k].toInt()))) out.push_back(*r);
+  return out;
+}
+
+std::vector<std::pair<std::size_t, OdDimVarValue>> values(const OdDbObject& o) {
+  std::vector<std::pair<std::size_t, OdDimVarValue>> out;
+  std::vector<bool> preferred;  // whether out[i] came from the version's own code (as findPair picks)
+  Group g = locate(o);
+  if (!g.hasPairs) return out;
+  const auto& t = o.tags();
+  const DxfVersion v = versionOf(o);
+  for (size_t k = g.open + 1; k + 1 < g.close; k += 2) {
+    if (t[k].code != 1070) continue;
+    const int code = static_cast<int>(t[k].toInt());
+    const auto r = rowOfCode(code);
+    if (!r) continue;
+    const bool own = code == kDimVarDefaults[*r].styleCodeIn(v);
+    auto same = std::find_if(out.begin(), out.end(), [&](const auto& p) { return p.first == *r; });
+    if (same != out.end() && (!own || preferred[static_cast<size_t>(same - out.begin())])) continue;
+    OdDimVarValue value = decode(kDimVarDefaults[*r], t[k + 1].code, t[k + 1].text, o.database(), false);
+    if (same != out.end()) {
+      same->second = std::move(value);
+      preferred[static_cast<size_t>(same - out.begin())] = true;
+    } else {
+      out.emplace_back(*r, std::move(value));
+      preferred.push_back(own);
+    }
+  }
   return out;
 }
 

@@ -4,6 +4,8 @@
 #pragma once
 
 #include <optional>
+#include <utility>
+#include <vector>
 
 #include "drawings/OdDimVarSource.h"
 
@@ -17,5 +19,7 @@ void set(OdDbObject& entity, std::size_t row, const OdDimVarValue& value);
 void remove(OdDbObject& entity, std::size_t row);
 // Rows that have an override, in the order of the pairs.
 std::vector<std::size_t> rows(const OdDbObject& entity);
+// The overrides with their values, read in one pass (each row once, as get() reads it).
+std::vector<std::pair<std::size_t, OdDimVarValue>> values(const OdDbObject& entity);
 
 }  // namespace dimoverrides

@@ -310,16 +310,17 @@ std::wstring signedText(double v, const std::wstring& magnitude) {
 template <class ToleranceFn>
 std::wstring valueWithTolerances(const std::wstring& valueText, double value, const OdDimVarSource& v,
                                  const Affixes& affixes, const std::wstring& symbol, ToleranceFn tolerance) {
+  const bool limits = v.dimlim();
+  std::wstring lead = affixes.prefix.empty() ? symbol : affixes.prefix;
+  if (!limits && !v.dimtol()) return lead + valueText + affixes.suffix;  // most dimensions: no stack to spell
   double plus = v.dimtp(), minus = v.dimtm();
   // Tolerance and limit stacks are written at DIMTFAC times the text height.
   double scale = v.dimscale() > 0 ? v.dimscale() : 1.0;
   std::wstring stackHeight = L"{\\H" + shortNumber(v.dimtxt() * scale * v.dimtfac()) + L";\\S";
-  std::wstring lead = affixes.prefix.empty() ? symbol : affixes.prefix;
-  if (v.dimlim())
+  if (limits)
     return lead + stackHeight + tolerance(value + plus) + L"^ " + tolerance(value - minus) + L";}" +
            affixes.suffix;
   std::wstring out = lead + valueText + affixes.suffix;
-  if (!v.dimtol()) return out;
   if (plus == minus) return out + kPlusMinusSign + tolerance(plus) + affixes.suffix;
   return out + stackHeight + signedText(plus, tolerance(std::fabs(plus))) + affixes.suffix + L"^ " +
          signedText(-minus, tolerance(std::fabs(minus))) + affixes.suffix + L";}";

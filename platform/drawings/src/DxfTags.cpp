@@ -327,9 +327,15 @@ std::string dxfFormatDouble(double v) {
 std::string dxfFormatHandle(uint64_t h) {
   char buf[20];
   auto r = std::to_chars(buf, buf + sizeof buf, h, 16);
-  std::string s(buf, r.ptr);
-  for (auto& c : s) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-  return s;
+  for (char* c = buf; c != r.ptr; ++c)
+    if (*c >= 'a') *c = static_cast<char>(*c - 'a' + 'A');  // hexadecimal digits only
+  return std::string(buf, r.ptr);
+}
+
+bool dxfEqualNoCase(std::string_view a, std::string_view b) {
+  return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
+           return std::toupper(static_cast<unsigned char>(x)) == std::toupper(static_cast<unsigned char>(y));
+         });
 }
 
 std::string dxfValueText(const DxfRawTag& t, DxfFormat format) {
@@ -395,20 +401,34 @@ uint64_t DxfTag::toHandle() const {
   return parseHex(text, h) ? h : 0;
 }
 
+// A binary group code into b (room for 3): two bytes, or with R12's one-byte codes
+// one byte, 255 and two bytes above 254. Returns its length.
+static size_t binaryCode(char* b, int code, bool shortCodes) {
+  if (shortCodes && code < 255) {
+    b[0] = static_cast<char>(code);
+    return 1;
+  }
+  size_t n = 0;
+  if (shortCodes) b[n++] = static_cast<char>(255);
+  b[n++] = static_cast<char>(code & 0xFF);
+  b[n++] = static_cast<char>((code >> 8) & 0xFF);
+  return n;
+}
+
+// A binary tag of a fixed-width value, appended at once: recomputed blocks write
+// every number through here.
+template <class T>
+static void writeBinary(std::string& out, int code, T v, bool shortCodes) {
+  char b[3 + sizeof(T)];
+  const size_t n = binaryCode(b, code, shortCodes);
+  std::memcpy(b + n, &v, sizeof(T));
+  out.append(b, n + sizeof(T));
+}
+
 static void writeCode(std::string& out, int code, const DxfStyle& st) {
   if (st.format == DxfFormat::Binary) {
-    if (st.shortCodes) {
-      if (code >= 255) {
-        out += static_cast<char>(255);
-        out += static_cast<char>(code & 0xFF);
-        out += static_cast<char>(code >> 8);
-      } else {
-        out += static_cast<char>(code);
-      }
-    } else {
-      out += static_cast<char>(code & 0xFF);
-      out += static_cast<char>(code >> 8);
-    }
+    char b[3];
+    out.append(b, binaryCode(b, code, st.shortCodes));
     return;
   }
   char buf[12];
@@ -432,18 +452,19 @@ static void writeValue(std::string& out, int code, std::string_view text, const 
     out += st.eol;
     return;
   }
-  DxfTag t;
-  t.text = std::string(text);
+  // Numbers are parsed from the spelling (0 when it is none); strings go out as they are.
+  double d = 0;
+  int64_t i = 0;
   switch (dxfTypeOf(code)) {
-    case DxfType::Double: appendLE(out, t.toDouble()); break;
-    case DxfType::Int16: appendLE(out, static_cast<int16_t>(t.toInt())); break;
-    case DxfType::Int32: appendLE(out, static_cast<int32_t>(t.toInt())); break;
-    case DxfType::Int64: appendLE(out, static_cast<int64_t>(t.toInt())); break;
-    case DxfType::Bool: appendLE(out, static_cast<uint8_t>(t.toInt())); break;
+    case DxfType::Double: appendLE(out, parseDouble(text, d) ? d : 0.0); break;
+    case DxfType::Int16: appendLE(out, static_cast<int16_t>(parseInt(text, i) ? i : 0)); break;
+    case DxfType::Int32: appendLE(out, static_cast<int32_t>(parseInt(text, i) ? i : 0)); break;
+    case DxfType::Int64: appendLE(out, static_cast<int64_t>(parseInt(text, i) ? i : 0)); break;
+    case DxfType::Bool: appendLE(out, static_cast<uint8_t>(parseInt(text, i) ? i : 0)); break;
     case DxfType::Binary: {
       std::string bytes;
-      for (size_t i = 0; i + 1 < text.size(); i += 2)
-        bytes += static_cast<char>(std::stoi(std::string(text.substr(i, 2)), nullptr, 16));
+      for (size_t k = 0; k + 1 < text.size(); k += 2)
+        bytes += static_cast<char>(std::stoi(std::string(text.substr(k, 2)), nullptr, 16));
       out += static_cast<char>(bytes.size());
       out += bytes;
       break;
@@ -456,16 +477,29 @@ static void writeValue(std::string& out, int code, std::string_view text, const 
 }
 
 void dxfWriteNewTag(std::string& out, int code, std::string_view text, const DxfStyle& style) {
+  if (style.format == DxfFormat::Binary && (dxfTypeOf(code) == DxfType::String || dxfTypeOf(code) == DxfType::Handle) &&
+      text.find('^') == std::string_view::npos) {
+    // A plain string, code and value and its end in one growth: every recomputed
+    // block entity has a handful of these.
+    char b[3];
+    const size_t n = binaryCode(b, code, style.shortCodes), at = out.size();
+    out.resize(at + n + text.size() + 1);
+    char* p = out.data() + at;
+    std::memcpy(p, b, n);
+    std::memcpy(p + n, text.data(), text.size());
+    p[n + text.size()] = '\0';
+    return;
+  }
   writeCode(out, code, style);
   writeValue(out, code, text, style);
 }
 
 void dxfWriteDouble(std::string& out, int code, double v, const DxfStyle& style) {
-  writeCode(out, code, style);
   if (style.format == DxfFormat::Binary) {
-    appendLE(out, v);
+    writeBinary(out, code, v, style.shortCodes);
     return;
   }
+  writeCode(out, code, style);
   // As dxfFormatDouble spells it, without a string of its own.
   char buf[40];
   auto r = std::to_chars(buf, buf + sizeof buf, v);
@@ -482,12 +516,11 @@ void dxfWriteInt(std::string& out, int code, int64_t v, const DxfStyle& style) {
     dxfWriteNewTag(out, code, std::string_view(buf, static_cast<size_t>(r.ptr - buf)), style);
     return;
   }
-  writeCode(out, code, style);
   switch (dxfTypeOf(code)) {
-    case DxfType::Int16: appendLE(out, static_cast<int16_t>(v)); break;
-    case DxfType::Int32: appendLE(out, static_cast<int32_t>(v)); break;
-    case DxfType::Bool: appendLE(out, static_cast<uint8_t>(v)); break;
-    default: appendLE(out, v);
+    case DxfType::Int16: writeBinary(out, code, static_cast<int16_t>(v), style.shortCodes); break;
+    case DxfType::Int32: writeBinary(out, code, static_cast<int32_t>(v), style.shortCodes); break;
+    case DxfType::Bool: writeBinary(out, code, static_cast<uint8_t>(v), style.shortCodes); break;
+    default: writeBinary(out, code, v, style.shortCodes);
   }
 }
 

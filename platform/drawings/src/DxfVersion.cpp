@@ -4,6 +4,8 @@
 #include <cassert>
 #include <cctype>
 
+#include "drawings/DxfTags.h"
+
 namespace dxfver {
 namespace {
 
@@ -30,15 +32,6 @@ constexpr std::array<VersionName, 12> kVersions{{
     {DxfVersion::R2018, "AC1032", "R2018"},
 }};
 
-bool equalNoCase(std::string_view a, std::string_view b) {
-  if (a.size() != b.size()) return false;
-  for (size_t i = 0; i < a.size(); ++i) {
-    if (std::toupper(static_cast<unsigned char>(a[i])) != std::toupper(static_cast<unsigned char>(b[i])))
-      return false;
-  }
-  return true;
-}
-
 const VersionName& entry(DxfVersion v) {
   for (const VersionName& e : kVersions)
     if (e.version == v) return e;
@@ -53,7 +46,7 @@ std::optional<DxfVersion> fromAcadVer(std::string_view acadver) {
   while (!acadver.empty() && acadver.back() == ' ') acadver.remove_suffix(1);
   while (!acadver.empty() && acadver.front() == ' ') acadver.remove_prefix(1);
   for (const VersionName& e : kVersions)
-    if (equalNoCase(e.acadver, acadver)) return e.version;
+    if (dxfEqualNoCase(e.acadver, acadver)) return e.version;
   return std::nullopt;
 }
 
@@ -61,7 +54,7 @@ std::string_view acadVer(DxfVersion v) { return entry(v).acadver; }
 
 std::optional<DxfVersion> fromKeyword(std::string_view keyword) {
   for (const VersionName& e : kVersions)
-    if (equalNoCase(e.keyword, keyword)) return e.version;
+    if (dxfEqualNoCase(e.keyword, keyword)) return e.version;
   return std::nullopt;
 }
 

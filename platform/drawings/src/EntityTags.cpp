@@ -103,6 +103,15 @@ std::optional<std::string> getText(const OdDbObject& o, const DxfSubclass& s, in
 }
 
 OdGePoint3d getPoint(const OdDbObject& o, const DxfSubclass& s, int code) {
+  // y and z follow x in every file seen; looked for apart only when they do not.
+  const Range r = range(o, s);
+  const long i = r.found ? o.findTag(code, r) : -1;
+  if (i >= 0 && static_cast<size_t>(i) + 2 < r.end) {
+    const auto& t = o.tags();
+    const DxfTag &y = t[static_cast<size_t>(i) + 1], &z = t[static_cast<size_t>(i) + 2];
+    if (y.code == code + 10 && z.code == code + 20)
+      return OdGePoint3d{t[static_cast<size_t>(i)].toDouble(), y.toDouble(), z.toDouble()};
+  }
   return OdGePoint3d{getDouble(o, s, code, 0.0), getDouble(o, s, code + 10, 0.0), getDouble(o, s, code + 20, 0.0)};
 }
 
@@ -202,7 +211,7 @@ OdDbObjectId recordId(const OdDbObject& e, OdDbObjectId (OdDbDatabase::*table)()
   const OdDbDatabase* db = e.database();
   if (!db) return OdDbObjectId();
   auto t = OdSmartPtr<OdDbSymbolTable>::cast((db->*table)().openObject());
-  return t ? t->getAt(e.decodeText(nameInFile)) : OdDbObjectId();
+  return t ? t->getAtSpelled(nameInFile, e) : OdDbObjectId();
 }
 
 std::string recordName(const OdDbObject& e, const OdDbObjectId& id, OdDbObjectId (OdDbDatabase::*table)() const) {

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "drawings/DimVarDefaults.h"
+#include "drawings/DxfTags.h"
 
 namespace {
 
@@ -53,10 +54,7 @@ public:
   }
   void real(int code, double value) { str(code, formatReal(value)); }
   void handle(int code, Handle h) {
-    char buf[16];
-    auto res = std::to_chars(buf, buf + sizeof buf, h, 16);
-    std::transform(buf, res.ptr, buf, [](char c) { return static_cast<char>(std::toupper(static_cast<unsigned char>(c))); });
-    str(code, std::string_view(buf, static_cast<size_t>(res.ptr - buf)));
+    str(code, dxfFormatHandle(h));
   }
   // Coordinates go under code, code + 10 (and code + 20).
   void point(int code, double x, double y) {
@@ -177,12 +175,6 @@ Handles planHandles(DxfVersion v) {
   if (v == DxfVersion::R2000) h.varDimassoc = h.take();
   if (r2007) h.varCannoscale = h.take();
   return h;
-}
-
-bool equalNoCase(std::string_view a, std::string_view b) {
-  return a.size() == b.size() && std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) {
-           return std::toupper(static_cast<unsigned char>(x)) == std::toupper(static_cast<unsigned char>(y));
-         });
 }
 
 class Generator {
@@ -579,11 +571,11 @@ private:
   Handle referenced(DimVarKind kind, std::string_view name) const {
     if (name.empty()) return 0;
     Handle h = 0;
-    if (kind == DimVarKind::TextStyle && equalNoCase(name, "Standard")) h = h_.styleStandard;
+    if (kind == DimVarKind::TextStyle && dxfEqualNoCase(name, "Standard")) h = h_.styleStandard;
     if (kind == DimVarKind::Linetype) {
-      if (equalNoCase(name, "ByBlock")) h = h_.ltByBlock;
-      if (equalNoCase(name, "ByLayer")) h = h_.ltByLayer;
-      if (equalNoCase(name, "Continuous")) h = h_.ltContinuous;
+      if (dxfEqualNoCase(name, "ByBlock")) h = h_.ltByBlock;
+      if (dxfEqualNoCase(name, "ByLayer")) h = h_.ltByLayer;
+      if (dxfEqualNoCase(name, "Continuous")) h = h_.ltContinuous;
     }
     assert(h != 0 && "a default names a record that a new drawing does not have");
     return h;

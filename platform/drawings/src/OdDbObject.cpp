@@ -111,10 +111,10 @@ void OdDbObject::assertWriteEnabled() {
   m_modified = true;
 }
 
-bool OdDbObject::replaceBytes(std::string bytes, DxfFormat format) {
+bool OdDbObject::replaceBytes(std::string_view bytes, DxfFormat format) {
   if (!m_tags && m_rawFormat == format && !m_shortCodes && m_raw == bytes) return false;
   assertWriteEnabled();
-  m_ownBytes = std::make_shared<const std::string>(std::move(bytes));
+  m_ownBytes = std::make_shared<const std::string>(bytes);
   m_raw = *m_ownBytes;
   m_rawFormat = format;
   m_shortCodes = false;

@@ -69,6 +69,7 @@ OdString OdDbSymbolTable::tableName() const {
 OdDbObjectId OdDbSymbolTable::getAt(const OdString& name, bool getErased) const {
   if (!m_indexValid) {
     m_index.clear();
+    m_spelled.clear();
     for (const auto& id : m_records) {
       OdDbObject* o = id.stub() ? id.stub()->object : nullptr;
       if (!o || o->isErased()) continue;
@@ -100,6 +101,15 @@ OdDbObjectId OdDbSymbolTable::add(OdDbSymbolTableRecord* record) {
   // The name is new (has() built the index just now): adding it keeps the index
   // valid, so that adding many records costs no rebuild each.
   if (m_indexValid) m_index.emplace(odstr::folded(name.view()), id);
+  return id;
+}
+
+OdDbObjectId OdDbSymbolTable::getAtSpelled(std::string_view nameInFile, const OdDbObject& reader) const {
+  if (m_indexValid)
+    if (auto it = m_spelled.find(std::string(nameInFile)); it != m_spelled.end()) return it->second;
+  const OdDbObjectId id = getAt(reader.decodeText(nameInFile));  // rebuilds both indexes when they are stale
+  // Only found names: a name not there yet may be added without the index being rebuilt.
+  if (!id.isNull()) m_spelled.emplace(nameInFile, id);
   return id;
 }
 

@@ -98,6 +98,10 @@ std::string dxfValueText(const DxfRawTag& t, DxfFormat format);
 std::string dxfFormatDouble(double v);
 std::string dxfFormatHandle(uint64_t h);
 
+// Names as files spell them, compared without regard to ASCII case (symbol names
+// match that way; bytes of other characters must be equal).
+bool dxfEqualNoCase(std::string_view a, std::string_view b);
+
 struct DxfStyle {
   DxfFormat format = DxfFormat::Ascii;
   bool shortCodes = false;   // binary R12 one-byte codes

@@ -85,7 +85,7 @@ public:
   // file's own spelling only when it is saved. Returns false, changing nothing,
   // when the object already is these bytes. Throws eNotOpenForWrite unless open
   // for write.
-  bool replaceBytes(std::string bytes, DxfFormat format);
+  bool replaceBytes(std::string_view bytes, DxfFormat format);
   DxfFormat rawFormat() const { return m_rawFormat; }
   bool rawShortCodes() const { return m_shortCodes; }
   // Whether the object still is the bytes replaceBytes gave it.

@@ -40,6 +40,9 @@ public:
   // Case-insensitive lookup; erased records are not found unless asked for.
   OdDbObjectId getAt(const OdString& name, bool getErased = false) const;
   bool has(const OdString& name) const { return !getAt(name).isNull(); }
+  // The same lookup by a name as the file spells it, remembered per spelling:
+  // entities name their style or block this way each time they are read.
+  OdDbObjectId getAtSpelled(std::string_view nameInFile, const OdDbObject& reader) const;
   // Adds a record (name must be set and new); returns its id.
   OdDbObjectId add(OdDbSymbolTableRecord* record);
   // Records in table order, erased ones left out.
@@ -58,6 +61,7 @@ public:
 private:
   std::vector<OdDbObjectId> m_records;
   mutable std::unordered_map<std::wstring, OdDbObjectId> m_index;  // folded name -> id
+  mutable std::unordered_map<std::string, OdDbObjectId> m_spelled;  // found names as files spell them -> id
   mutable bool m_indexValid = false;
 };
 

@@ -49,9 +49,15 @@ public:
   // `row` indexes kDimVarDefaults (the first 78 rows are the catalogue).
   virtual OdDimVarValue dimVar(std::size_t row) const = 0;
   virtual void setDimVar(std::size_t row, const OdDimVarValue& value) = 0;
+  // The value where the source keeps it ready (null: ask dimVar): read without a
+  // copy by the named getters, which geometry calls many times per dimension.
+  virtual const OdDimVarValue* dimVarIfKept(std::size_t) const { return nullptr; }
 
-#define OD_DIMVAR_MEMBER(index, get, set, T)                       \
-  T get() const { return odDimVarAs<T>(dimVar(index)); }           \
+#define OD_DIMVAR_MEMBER(index, get, set, T)                                          \
+  T get() const {                                                                     \
+    if (const OdDimVarValue* kept = dimVarIfKept(index)) return odDimVarAs<T>(*kept); \
+    return odDimVarAs<T>(dimVar(index));                                              \
+  }                                                                                   \
   void set(const T& v) { setDimVar(index, odDimVarFrom<T>(v)); }
   OD_DIMVARS(OD_DIMVAR_MEMBER)
 #undef OD_DIMVAR_MEMBER
