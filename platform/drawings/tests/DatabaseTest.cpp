@@ -98,6 +98,10 @@ TEST(Database, TablesLookUpNamesCaseInsensitivelyInFileOrder) {
     EXPECT_EQ(styles->getAt(other), id) << name.toUtf8();
     other.makeUpper();
     EXPECT_EQ(styles->getAt(other), id) << name.toUtf8();
+    // By the file's spelling too, asked twice: the second answer is the remembered one.
+    const std::string spelled = db->codec().encode(other.view());
+    EXPECT_EQ(styles->getAtSpelled(spelled, *styles), id) << name.toUtf8();
+    EXPECT_EQ(styles->getAtSpelled(spelled, *styles), id) << name.toUtf8();
   }
   bool sawCyrillic = false;
   for (auto& id : ids) {
@@ -106,6 +110,15 @@ TEST(Database, TablesLookUpNamesCaseInsensitivelyInFileOrder) {
   }
   EXPECT_TRUE(sawCyrillic);
   EXPECT_TRUE(styles->getAt(L"no such style").isNull());
+  // A remembered spelling goes with a rename or an erase.
+  auto rec = odOpen<OdDbSymbolTableRecord>(ids.back(), OdDb::kForWrite);
+  const std::string old = rec->firstValue(2).value_or("");
+  ASSERT_EQ(styles->getAtSpelled(old, *styles), ids.back());
+  rec->setName(L"Renamed");
+  EXPECT_TRUE(styles->getAtSpelled(old, *styles).isNull());
+  EXPECT_EQ(styles->getAtSpelled("RENAMED", *styles), ids.back());
+  rec->erase();
+  EXPECT_TRUE(styles->getAtSpelled("RENAMED", *styles).isNull());
 }
 
 TEST(Database, AddedAndErasedRecordsSurviveSaving) {

@@ -11,6 +11,7 @@
 #include <numbers>
 #include <sstream>
 
+#include "DimVarSnapshot.h"
 #include "drawings/OdDbDatabase.h"
 #include "drawings/OdDbDimStyleTableRecord.h"
 #include "drawings/OdDbDimension.h"
@@ -116,6 +117,9 @@ TEST(DimStyle, EveryCorpusStyleAndHeaderAgreesWithAnIndependentReader) {
         if (auto dim = odOpen<OdDbDimension>(id)) {
           EXPECT_TRUE(dim->hasDimVarOverride(index)) << entry.path().filename() << " " << styleName << " " << var;
           ours = dim->dimVar(index);
+          // The geometry reads all overrides in one pass: it must see the same.
+          EXPECT_TRUE(OdDimVarValue::same(row.kind, dimgeom::DimVarSnapshot(*dim).dimVar(index), ours))
+              << entry.path().filename() << " " << styleName << " " << var;
         } else if (auto leader = odOpen<OdDbLeader>(id)) {
           EXPECT_TRUE(leader->hasDimVarOverride(index)) << entry.path().filename() << " " << styleName << " " << var;
           ours = leader->dimVar(index);
@@ -127,6 +131,8 @@ TEST(DimStyle, EveryCorpusStyleAndHeaderAgreesWithAnIndependentReader) {
         auto rec = odOpen<OdDbDimStyleTableRecord>(styles->getAt(OdString::fromUtf8(styleName)));
         ASSERT_TRUE(rec) << entry.path().filename() << ": no style " << styleName;
         ours = rec->dimVar(index);
+        EXPECT_TRUE(OdDimVarValue::same(row.kind, dimgeom::styleValues(*rec)[index], ours))
+            << entry.path().filename() << " " << styleName << " " << var;
       } else {
         ours = db->dimVar(index);
       }
