@@ -14,14 +14,6 @@ namespace {
 // class codes follow them in the same run of tags.
 constexpr int kCommonOrder[] = {5, 102, 330, 67, 410, 8, 6, 347, 62, 420, 430, 370, 48, 60, 440, 390, 284};
 
-bool hasMarkers(const OdDbObject& o) {
-  for (const DxfTag& t : o.tags()) {
-    if (t.code == 100) return true;
-    if (t.code == 1001) return false;  // extended data: no class part follows
-  }
-  return false;
-}
-
 int position(const DxfSubclass& s, int code) {
   auto c = std::find(std::begin(kCommonOrder), std::end(kCommonOrder), code);
   if (c != std::end(kCommonOrder)) return static_cast<int>(c - std::begin(kCommonOrder));
@@ -45,15 +37,21 @@ int rank(const DxfSubclass& s, int code) {
 }  // namespace
 
 Range range(const OdDbObject& o, const DxfSubclass& s) {
-  if (!hasMarkers(o)) return o.commonRange();
-  Range r = o.subclassRange(s.marker);
+  // One pass (every typed value is read through here): the subclass's tags up to
+  // the next marker, an embedded object (101) or the extended data; an object
+  // written without markers (R12) keeps its values in its common part.
   const auto& t = o.tags();
-  for (size_t i = r.begin; i < r.end; ++i)
-    if (t[i].code == 101) {
-      r.end = i;
-      break;
-    }
-  return r;
+  bool markers = false;
+  size_t i = 0;
+  for (; i < t.size() && t[i].code != 1001; ++i) {
+    if (t[i].code != 100) continue;
+    markers = true;
+    if (t[i].text != s.marker) continue;
+    size_t end = i + 1;
+    while (end < t.size() && t[end].code != 100 && t[end].code != 101 && t[end].code != 1001) ++end;
+    return Range{i + 1, end, true};
+  }
+  return markers ? Range{i, i, false} : o.commonRange();
 }
 
 long find(const OdDbObject& o, const DxfSubclass& s, int code) {
