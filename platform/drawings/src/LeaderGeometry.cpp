@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "drawings/DimText.h"
+#include "drawings/OdDbGeometry.h"
 #include "drawings/OdDbText.h"
 #include "drawings/OdGiTextMetrics.h"
 
@@ -74,6 +75,76 @@ Box measure(const OdDbMText& m) {
   return box;
 }
 
+// The side of the annotation, seen from the vertex the leader's arm ends at (the
+// one before the hook line, or before the last vertex without one): along the
+// horizontal `u` towards the annotation's insertion point `at`; level with it,
+// the stored side stays.
+bool annotationOnXDir(const OdDbLeader& leader, const OdGePoint3d& at, const OdGeVector3d& u, bool hooked, double tiny) {
+  const OdGePoint3d armEnd = leader.vertexAt(leader.numVertices() - (hooked ? 3 : 2));
+  const double across = dot(at - armEnd, u);
+  if (std::fabs(across) > tiny) return across > 0;
+  return leader.annotationOnXDir() == (dot(leader.horizontalDirection(), u) >= 0);
+}
+
+// The last vertex at `last`, the hook line (DIMASZ x DIMSCALE) before it against
+// the annotation's side, and the horizontal and side stored.
+void placeEnd(OdDbLeader& leader, const OdGePoint3d& last, const OdGeVector3d& u, bool onXDir, bool hooked) {
+  const double scale = leader.dimscale() > 0 ? leader.dimscale() : 1.0;
+  const int n = leader.numVertices();
+  leader.setVertexAt(n - 1, last);
+  if (hooked) leader.setVertexAt(n - 2, last - u * ((onXDir ? 1.0 : -1.0) * leader.dimasz() * scale));
+  leader.setHorizontalDirection(u);
+  leader.setAnnotationOnXDir(onXDir);
+}
+
+OdResult placeOnText(OdDbLeader& leader, const OdDbMText& mtext) {
+  const OdGeVector3d normal = unit(normalOf(mtext), {0, 0, 1});
+  const OdGeVector3d u = unit(mtext.direction(), {1, 0, 0});
+  const OdGeVector3d v = unit(cross(normal, u), {0, 1, 0});
+  const OdGePoint3d at = mtext.location();
+  const double scale = leader.dimscale() > 0 ? leader.dimscale() : 1.0;
+  const double gap = std::fabs(leader.dimgap()) * scale;
+  const bool hooked = leader.hasHookLine() && leader.numVertices() >= 3;
+  const bool onXDir = annotationOnXDir(leader, at, u, hooked, 1e-9 * std::max(1.0, mtext.textHeight()));
+
+  const Box box = measure(mtext);
+  OdGePoint3d anchor = at - u * ((onXDir ? 1.0 : -1.0) * gap);
+  if (leader.dimtad() != 0) {
+    // Under the text: from the attachment's row down to the box's bottom, then the gap.
+    const int row = (static_cast<int>(mtext.attachment()) - 1) / 3;
+    const double down = row == 0 ? box.height : row == 1 ? box.height / 2 : 0.0;
+    anchor = anchor - v * (down + gap);
+  }
+  placeEnd(leader, anchor + leader.annotationOffset(), u, onXDir, hooked);
+  leader.setAnnotationSize(box.height, box.width);
+  return eOk;
+}
+
+// A block or a tolerance frame has no text line to run under: the leader keeps
+// the offset of its last vertex from the annotation's insertion point (212 for a
+// block, 213 for a tolerance), so that it follows the annotation when that moves.
+OdResult placeOnInsertionPoint(OdDbLeader& leader, const OdDbEntity& anno, bool block) {
+  OdGePoint3d at;
+  OdGeVector3d u{1, 0, 0};
+  if (block) {
+    auto insert = OdDbBlockReference::cast(&anno);
+    if (insert.isNull()) return eNotImplementedYet;
+    at = insert->position();
+    u = {std::cos(insert->rotation()), std::sin(insert->rotation()), 0};
+  } else {
+    auto coord = [&](int code, double dflt) {
+      auto v = anno.firstValue(code);
+      return v ? std::strtod(v->c_str(), nullptr) : dflt;
+    };
+    at = {coord(10, 0.0), coord(20, 0.0), coord(30, 0.0)};
+    u = unit({coord(11, 1.0), coord(21, 0.0), coord(31, 0.0)}, {1, 0, 0});  // the frame's x direction
+  }
+  const bool hooked = leader.hasHookLine() && leader.numVertices() >= 3;
+  const bool onXDir = annotationOnXDir(leader, at, u, hooked, 1e-9);
+  placeEnd(leader, at + (block ? leader.blockOffset() : leader.annotationOffset()), u, onXDir, hooked);
+  return eOk;
+}
+
 }  // namespace
 
 OdResult recomputeLeader(OdDbLeader& leader) {
@@ -82,47 +153,14 @@ OdResult recomputeLeader(OdDbLeader& leader) {
   if (!leader.isWriteEnabled()) return eNotOpenForWrite;
   const OdDbLeader::AnnoType type = leader.annoType();
   if (type == OdDbLeader::kNoAnno) return eOk;
-  if (type != OdDbLeader::kMText) return eNotImplementedYet;
   // A leader whose annotation is gone (erased, or never saved with it) keeps its end.
   const OdDbObjectId annoId = leader.annotationObjId();
   if (annoId.isNull() || !annoId.openObject()) return eOk;
-  auto mtext = odOpen<OdDbMText>(annoId);
-  if (!mtext) return eNotImplementedYet;
-  const int n = leader.numVertices();
-  if (n < 2) return eOk;
-
-  const OdGeVector3d normal = unit(normalOf(*mtext), {0, 0, 1});
-  const OdGeVector3d u = unit(mtext->direction(), {1, 0, 0});
-  const OdGeVector3d v = unit(cross(normal, u), {0, 1, 0});
-  const OdGePoint3d at = mtext->location();
-
-  const double scale = leader.dimscale() > 0 ? leader.dimscale() : 1.0;
-  const double gap = std::fabs(leader.dimgap()) * scale;
-  const double hook = leader.dimasz() * scale;
-  const bool hooked = leader.hasHookLine() && n >= 3;
-
-  // The side: from the end of the arm to the annotation, along the horizontal.
-  const OdGePoint3d armEnd = leader.vertexAt(n - (hooked ? 3 : 2));
-  const double across = dot(at - armEnd, u);
-  const double tiny = 1e-9 * std::max(1.0, mtext->textHeight());
-  bool onXDir = leader.annotationOnXDir() == (dot(leader.horizontalDirection(), u) >= 0);
-  if (std::fabs(across) > tiny) onXDir = across > 0;
-  const double side = onXDir ? 1.0 : -1.0;
-
-  const Box box = measure(*mtext);
-  OdGePoint3d anchor = at - u * (side * gap);
-  if (leader.dimtad() != 0) {
-    // Under the text: from the attachment's row down to the box's bottom, then the gap.
-    const int row = (static_cast<int>(mtext->attachment()) - 1) / 3;
-    const double down = row == 0 ? box.height : row == 1 ? box.height / 2 : 0.0;
-    anchor = anchor - v * (down + gap);
+  if (leader.numVertices() < 2) return eOk;
+  if (type == OdDbLeader::kMText) {
+    auto mtext = odOpen<OdDbMText>(annoId);
+    return mtext ? placeOnText(leader, *mtext) : eNotImplementedYet;
   }
-  const OdGePoint3d last = anchor + leader.annotationOffset();
-
-  leader.setVertexAt(n - 1, last);
-  if (hooked) leader.setVertexAt(n - 2, last - u * (side * hook));
-  leader.setHorizontalDirection(u);
-  leader.setAnnotationOnXDir(onXDir);
-  leader.setAnnotationSize(box.height, box.width);
-  return eOk;
+  auto anno = odOpen<OdDbEntity>(annoId);
+  return anno ? placeOnInsertionPoint(leader, *anno, type == OdDbLeader::kBlockRef) : eNotImplementedYet;
 }

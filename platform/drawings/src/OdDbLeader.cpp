@@ -151,6 +151,16 @@ void OdDbLeader::setAnnotationOffset(const OdGeVector3d& offset) {
   setPoint(*this, kLeader, 213, {offset.x, offset.y, offset.z});
 }
 
+OdGeVector3d OdDbLeader::blockOffset() const {
+  const OdGePoint3d p = getPoint(*this, kLeader, 212);
+  return {p.x, p.y, p.z};
+}
+void OdDbLeader::setBlockOffset(const OdGeVector3d& offset) {
+  assertWriteEnabled();
+  if (find(*this, kLeader, 212) < 0 && offset.x == 0 && offset.y == 0 && offset.z == 0) return;
+  setPoint(*this, kLeader, 212, {offset.x, offset.y, offset.z});
+}
+
 double OdDbLeader::annotationHeight() const { return getDouble(*this, kLeader, 40, 0.0); }
 double OdDbLeader::annotationWidth() const { return getDouble(*this, kLeader, 41, 0.0); }
 void OdDbLeader::setAnnotationSize(double height, double width) {

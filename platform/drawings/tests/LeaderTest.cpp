@@ -303,3 +303,58 @@ TEST(LeaderDrawing, SplinedPathIsASmoothCurveThroughTheVertices) {
   leader->setToStraightLeader();
   EXPECT_EQ(drawOne(*leader).all<OdGiPolyline>().at(0).points.size(), 3u);
 }
+
+// A block or a tolerance frame: the leader's end keeps its offset from the
+// annotation's insertion point and follows it, the horizontal turning with it.
+TEST(LeaderGeometry, BlockAndToleranceAnnotationsCarryTheEndWithThem) {
+  OdDbDatabasePtr made = OdDbDatabase::createNew(DxfVersion::R2018);
+  // A tolerance frame at (5, 6) whose x axis is the world's y axis (no typed class: read from a file).
+  std::string dxf = made->toDxf();
+  const std::string tail = "ENTITIES\n  0\nENDSEC";
+  const size_t at = dxf.find(tail);
+  ASSERT_NE(at, std::string::npos);
+  dxf.replace(at, tail.size(),
+              "ENTITIES\n  0\nTOLERANCE\n  5\nABC\n100\nAcDbEntity\n  8\n0\n100\nAcDbFcf\n  3\nStandard\n"
+              " 10\n5.0\n 20\n6.0\n 30\n0.0\n  1\n{\\Fgdt;j}%%v0.1\n 11\n0.0\n 21\n1.0\n 31\n0.0\n  0\nENDSEC");
+  OdDbDatabasePtr db = OdDbDatabase::readDxf(dxf);
+  auto ms = odOpen<OdDbBlockTableRecord>(db->getModelSpaceId(), OdDb::kForWrite);
+  const OdDbObjectId frame = db->getOdDbObjectId(OdDbHandle(0xABC));
+  ASSERT_FALSE(frame.isNull());
+  auto block = OdDbBlockReference::createFor(*db);
+  block->setBlockTableRecord(OdDmUtil::getArrowId(L"_Dot", db.get()));
+  block->setPosition({20, 10, 0});
+  ms->appendOdDbEntity(block.get());
+
+  auto leaderTo = [&](const OdDbObjectId& anno) {
+    auto leader = OdDbLeader::createFor(*db);
+    leader->appendVertex({0, 0, 0});
+    leader->appendVertex({1, 1, 0});
+    ms->appendOdDbEntity(leader.get());
+    leader->attachAnnotation(anno);
+    return leader;
+  };
+  auto expectEnd = [](const OdDbLeader& l, double x, double y, const char* what) {
+    EXPECT_NEAR(l.vertexAt(1).x, x, 1e-9) << what;
+    EXPECT_NEAR(l.vertexAt(1).y, y, 1e-9) << what;
+    EXPECT_NEAR(l.vertexAt(0).x, 0, 1e-12) << what << ": the arrow stays";
+  };
+
+  auto toBlock = leaderTo(block->objectId());
+  toBlock->setBlockOffset({-2, 0, 0});
+  ASSERT_EQ(recomputeLeader(*toBlock), eOk);
+  expectEnd(*toBlock, 18, 10, "the block's offset");
+  EXPECT_TRUE(toBlock->annotationOnXDir());
+  block->setPosition({-30, -5, 0});
+  block->setRotation(std::numbers::pi / 2);
+  ASSERT_EQ(recomputeLeader(*toBlock), eOk);
+  expectEnd(*toBlock, -32, -5, "moved with the block");
+  EXPECT_NEAR(toBlock->horizontalDirection().y, 1, 1e-12) << "turned with the block";
+  EXPECT_FALSE(toBlock->annotationOnXDir()) << "below the arm along the block's x axis (world y)";
+
+  auto toFrame = leaderTo(frame);
+  toFrame->setAnnotationOffset({0, -1, 0});
+  toFrame->setBlockOffset({7, 7, 0});  // not the frame's: ignored
+  ASSERT_EQ(recomputeLeader(*toFrame), eOk);
+  expectEnd(*toFrame, 5, 5, "the frame's insertion point and its offset");
+  EXPECT_NEAR(toFrame->horizontalDirection().y, 1, 1e-12) << "the frame's x direction";
+}

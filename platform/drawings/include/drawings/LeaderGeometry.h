@@ -1,5 +1,5 @@
-// The geometry of a leader that points at an MTEXT: where its last vertex and
-// its hook line go for the annotation and the leader's dimension variables, the
+// The geometry of a leader that points at an annotation: where its last vertex
+// and its hook line go for the annotation and the leader's dimension variables, the
 // way CAD programs re-place a leader when its dimension style changes.
 #pragma once
 
@@ -24,8 +24,13 @@
 //   its lines, the first line's top no lower than its capitals).
 // DIMSCALE 0 counts as 1. The arm's other vertices and code 77 stay as they are.
 //
+// A tolerance frame or a block reference has no line of text to run under: the
+// last vertex is the annotation's insertion point plus the stored offset (213
+// for a tolerance, 212 for a block), the horizontal is the frame's x direction
+// or the block's rotation, and side and hook line follow as above.
+//
 // eOk also when there is nothing to place (no annotation, or its reference
-// leads nowhere; fewer than two vertices); eNotImplementedYet for tolerance and
-// block annotations, which are left as they are; eNotInDatabase when the leader
+// leads nowhere; fewer than two vertices); eNotImplementedYet when the
+// annotation is not of the kind the leader says; eNotInDatabase when the leader
 // is in no drawing; eNotOpenForWrite when it is not open for write.
 OdResult recomputeLeader(OdDbLeader& leader);

@@ -45,6 +45,10 @@ public:
   // when absent: what the user moved the leader's end off its annotation.
   OdGeVector3d annotationOffset() const;
   void setAnnotationOffset(const OdGeVector3d& offset);
+  // For a block annotation, the last vertex's offset from the block's insertion
+  // point (212), zero when absent.
+  OdGeVector3d blockOffset() const;
+  void setBlockOffset(const OdGeVector3d& offset);
   // The annotation's height and width as the leader last saw them (40, 41).
   double annotationHeight() const;
   double annotationWidth() const;
