@@ -5,9 +5,11 @@
 // position/scale/rotation, text contents/position, points); the dimension's block
 // is then recomputed in a second copy of the drawing read from the same bytes, and
 // the two are compared: the text exactly and as a reader sees it, the text
-// position, and every line, arrowhead and point within 1% of the text height
-// (DIMTXT x DIMSCALE). "structure" counts blocks whose entities come in the same
-// order with the same layer, colour, linetype and lineweight.
+// position (of its middle, whichever point the MTEXT is attached at), and every
+// line, arrowhead and point within 1% of the text height (DIMTXT x DIMSCALE).
+// "geom+pos" counts blocks whose geometry and text position both match.
+// "structure" counts blocks whose entities come in the same order with the same
+// layer, colour, linetype and lineweight.
 //
 // The "leader" row takes every leader that points at an MTEXT, recomputes it in
 // the second copy and compares its vertices with the saved ones within 1% of the
@@ -43,6 +45,7 @@
 #include "drawings/OdDbGeometry.h"
 #include "drawings/OdDbLeader.h"
 #include "drawings/OdDbText.h"
+#include "drawings/OdGiTextMetrics.h"
 
 namespace {
 
@@ -65,6 +68,35 @@ double angleDiff(double a, double b) { return std::fabs(std::remainder(a - b, 2 
 std::string upper(std::string s) {
   for (char& c : s) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
   return s;
+}
+
+// Where an MTEXT's middle is. Dimension text is attached at its middle, but some
+// programs attach it at another point of its box (the top left), which shows the
+// text in the same place; the box is taken as the ink of the text as measured here.
+OdGePoint3d middleOf(const OdDbMText& m) {
+  const OdGePoint3d at = m.location();
+  const int a = static_cast<int>(m.attachment());
+  if (a < 1 || a > 9 || a == OdDbMText::kMiddleCenter) return at;
+  const OdGiTextStyle style = OdGiTextStyle::fromId(m.textStyle());
+  const OdString plain = odMTextPlainText(m.contents());
+  const double h = m.textHeight(), pitch = h * 5.0 / 3.0;
+  double width = 0, top = 0, bottom = 0;
+  std::wstring_view rest = plain.view();
+  for (int line = 0;; ++line) {
+    const std::size_t end = rest.find(L'\n');
+    const OdGiTextExtents e = odTextMetrics().extents(OdString(std::wstring(rest.substr(0, end))), h, style);
+    if (!e.empty()) {
+      width = std::max(width, e.width());
+      if (line == 0) top = e.maxY;
+      bottom = e.minY - line * pitch;
+    }
+    if (end == std::wstring_view::npos) break;
+    rest.remove_prefix(end + 1);
+  }
+  const int row = (a - 1) / 3, col = (a - 1) % 3;  // row 0 top, col 0 left
+  const double along = (1 - col) * width / 2, up = (row - 1) * (top - bottom) / 2;
+  const double c = std::cos(m.rotation()), s = std::sin(m.rotation());
+  return OdGePoint3d{at.x + along * c - up * s, at.y + along * s + up * c, at.z};
 }
 
 std::vector<Prim> primitivesOf(const OdDbObjectId& blockId) {
@@ -91,7 +123,7 @@ std::vector<Prim> primitivesOf(const OdDbObjectId& blockId) {
       auto b = odOpen<OdDbBlockTableRecord>(r->blockTableRecord());
       pr.name = b ? upper(b->getName().toUtf8()) : std::string("?");
     } else if (auto m = OdDbMText::cast(o.get())) {
-      pr.p = {m->location()};
+      pr.p = {middleOf(*m)};
       pr.angle = m->rotation();
       pr.height = m->textHeight();
       pr.text = m->contents();
@@ -319,7 +351,7 @@ std::string savedLayout(const OdDbAlignedDimension& d, const std::vector<Prim>& 
 }
 
 struct Tally {
-  int compared = 0, textExact = 0, textPlain = 0, textPlace = 0, geometry = 0, structure = 0;
+  int compared = 0, textExact = 0, textPlain = 0, textPlace = 0, geometry = 0, geomAndPlace = 0, structure = 0;
   std::map<std::string, int> reasons, textReasons, structureReasons;
 };
 
@@ -566,6 +598,7 @@ int main(int argc, char** argv) {
         t.textPlain += o.textPlain;
         t.textPlace += o.textPlace;
         t.geometry += o.geometry;
+        t.geomAndPlace += o.geometry && o.textPlace;
         t.structure += o.structure;
         if (!o.geometry) ++t.reasons[o.reason];
         if (!o.textPlace) ++t.textReasons[o.textReason];
@@ -586,26 +619,27 @@ int main(int argc, char** argv) {
 
   if (textGaps) return 0;
   auto pct = [](int n, int of) { return of ? 100.0 * n / of : 0.0; };
-  std::printf("%-8s %9s %11s %11s %10s %10s %10s\n", "kind", "compared", "text-exact", "text-plain", "text-pos", "geometry",
-              "structure");
+  std::printf("%-8s %9s %11s %11s %10s %10s %10s %10s\n", "kind", "compared", "text-exact", "text-plain", "text-pos",
+              "geometry", "geom+pos", "structure");
   Tally all;
   for (auto& [kind, t] : byKind) {
-    std::printf("%-8s %9d %10.1f%% %10.1f%% %9.1f%% %9.1f%% %9.1f%%\n", kind.c_str(), t.compared,
+    std::printf("%-8s %9d %10.1f%% %10.1f%% %9.1f%% %9.1f%% %9.1f%% %9.1f%%\n", kind.c_str(), t.compared,
                 pct(t.textExact, t.compared), pct(t.textPlain, t.compared), pct(t.textPlace, t.compared),
-                pct(t.geometry, t.compared), pct(t.structure, t.compared));
+                pct(t.geometry, t.compared), pct(t.geomAndPlace, t.compared), pct(t.structure, t.compared));
     all.compared += t.compared;
     all.textExact += t.textExact;
     all.textPlain += t.textPlain;
     all.textPlace += t.textPlace;
     all.geometry += t.geometry;
+    all.geomAndPlace += t.geomAndPlace;
     all.structure += t.structure;
   }
-  std::printf("%-8s %9d %10.1f%% %10.1f%% %9.1f%% %9.1f%% %9.1f%%\n", "all", all.compared,
+  std::printf("%-8s %9d %10.1f%% %10.1f%% %9.1f%% %9.1f%% %9.1f%% %9.1f%%\n", "all", all.compared,
               pct(all.textExact, all.compared), pct(all.textPlain, all.compared), pct(all.textPlace, all.compared),
-              pct(all.geometry, all.compared), pct(all.structure, all.compared));
+              pct(all.geometry, all.compared), pct(all.geomAndPlace, all.compared), pct(all.structure, all.compared));
   if (leaders.compared)
-    std::printf("%-8s %9d %11s %11s %10s %9.1f%% %10s   (annotation size within 5%%: %.1f%%)\n", "leader",
-                leaders.compared, "-", "-", "-", pct(leaders.vertices, leaders.compared), "-",
+    std::printf("%-8s %9d %11s %11s %10s %9.1f%% %10s %10s   (annotation size within 5%%: %.1f%%)\n", "leader",
+                leaders.compared, "-", "-", "-", pct(leaders.vertices, leaders.compared), "-", "-",
                 pct(leaders.size, leaders.compared));
   for (auto& [kind, t] : byKind) {
     std::vector<std::pair<int, std::string>> r;

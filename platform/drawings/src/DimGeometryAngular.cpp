@@ -286,8 +286,16 @@ BlockContents computeAngular(const OdDbDimension& dim) {
                                : 0.0;
   const double textNeed = hasText ? along + (v.tad == 0 ? 2 * gap : 0.0) : 0.0;
   const double arrowsNeed = 2 * v.asz;
+  // Text the user placed away from the arc takes no room on it: only the
+  // arrowheads need to fit (a tick reaches half its size either way).
+  const Vec userAt(dim.textPosition());
+  const bool userOnArc = userText && v.tad == 0 &&
+                         std::fabs((userAt - s.centre).length() - r) < std::max(ext.height, v.txt) / 2 &&
+                         normal((userAt - s.centre).angle() - s.start) <= s.sweep;
   bool textInside = true, arrowsInside = true;
   if (!hasText) arrowsInside = arcLen >= arrowsNeed;
+  else if (userText && !userOnArc && v.atfit != 0)
+    arrowsInside = arcLen >= (v.arrow1.atTip ? v.asz / 2 : v.asz) + (v.arrow2.atTip ? v.asz / 2 : v.asz);
   else {
     const Fit f = fitBoth(v, arcLen, textNeed, arrowsNeed);
     textInside = f.textInside;
@@ -296,11 +304,14 @@ BlockContents computeAngular(const OdDbDimension& dim) {
   if (userText) textInside = true;
   const bool arrowsShown = arrowsInside || !v.soxd;
 
-  const double textAngle =
-      rotationOverride != 0 ? rotationOverride : ((textInside ? v.tih : v.toh) ? 0.0 : tangentAngle);
+  // Text moved away with a leader reads horizontally.
+  const bool movedWithLeader = userText && v.tmove == 1;
+  const double textAngle = rotationOverride != 0 ? rotationOverride
+                           : movedWithLeader || (textInside ? v.tih : v.toh) ? 0.0
+                                                                             : tangentAngle;
   Vec textAt;
   if (userText) {
-    textAt = Vec(dim.textPosition());
+    textAt = userAt;
   } else {
     // Outside, the text follows the second end along the arc's tangent, past an
     // arrowhead and its gap. "Above" is the left of the direction the text reads in.
@@ -401,9 +412,9 @@ BlockContents computeAngular(const OdDbDimension& dim) {
   // left out).
   // An arrowhead's length along the arc: the angle whose chord is that long.
   const double len = 2 * std::asin(std::min(1.0, v.asz / (2 * r)));
-  const Arrow& startArrow = s.startsOnFirst ? v.arrow1 : v.arrow2;
-  const Arrow& endArrow = s.startsOnFirst ? v.arrow2 : v.arrow1;
-  const double back1 = startArrow.atTip ? 0.0 : len, back2 = endArrow.atTip ? 0.0 : len;
+  // The first arrowhead marks the sector's start (counter-clockwise), whichever
+  // line that is.
+  const double back1 = v.arrow1.atTip ? 0.0 : len, back2 = v.arrow2.atTip ? 0.0 : len;
   if (arrowsInside) {
     arcPiece(s.start + (arrowsShown ? back1 : 0.0), end - (arrowsShown ? back2 : 0.0), true);
   } else {
@@ -427,8 +438,8 @@ BlockContents computeAngular(const OdDbDimension& dim) {
     items.push_back(arrowItem(a, tip, dir, dir.left(), v.asz, dimProps));
   };
   if (arrowsShown) {
-    arrow(s.startsOnFirst ? v.arrow1 : v.arrow2, s.start, true);
-    arrow(s.startsOnFirst ? v.arrow2 : v.arrow1, end, false);
+    arrow(v.arrow1, s.start, true);
+    arrow(v.arrow2, end, false);
   }
 
   // ---- text and definition points ----

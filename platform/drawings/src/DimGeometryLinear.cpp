@@ -136,6 +136,14 @@ BlockContents computeLinear(const OdDbAlignedDimension& dim) {
     arrowsInside = span >= (v.arrow1.atTip ? v.asz / 2 : v.asz) + (v.arrow2.atTip ? v.asz / 2 : v.asz);
   } else if (!hasText) {
     arrowsInside = span >= arrowsNeed;
+  } else if (userBetween) {
+    // The text stays where the user put it; the arrowheads stay inside when the
+    // line left between each extension line and the text's gap holds one. Text
+    // whose gap reaches past both extension lines leaves no line to cut (it is
+    // drawn whole), and only the arrowheads need room.
+    const double cut = halfChord(ext.width + 2 * gap, ext.height + 2 * gap, insideAngle, u.angle());
+    const double s = (userAt - d1).dot(t);
+    arrowsInside = std::max(s, span - s) <= cut ? span >= arrowsNeed : std::min(s, span - s) - cut >= v.asz;
   } else {
     const Fit f = fitBoth(v, span, textNeed, arrowsNeed);
     textInside = f.textInside;

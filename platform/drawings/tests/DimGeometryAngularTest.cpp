@@ -20,6 +20,7 @@
 #include "drawings/DimText.h"
 #include "drawings/OdDbDatabase.h"
 #include "drawings/OdDbText.h"
+#include "drawings/OdDmUtil.h"
 
 namespace fs = std::filesystem;
 
@@ -181,7 +182,8 @@ TEST(DimGeometryAngular, ArrowheadsOutsideAShortArc) {
 }
 
 // Two lines that do not reach the arc: the sector is the one holding the arc
-// point, the extension lines continue the lines from their nearer ends.
+// point, the extension lines continue the lines from their nearer ends, and the
+// first arrowhead marks the sector's start.
 TEST(DimGeometryAngular, TwoLineAngleTakesTheSectorOfTheArcPoint) {
   if (!fs::exists(CORPUS_DIR)) GTEST_SKIP() << "no corpus";
   OdDbDatabasePtr db = OdDbDatabase::readDxfFile(testsupport::corpus("DomCR__ACadSharp__sample_AC1015_ascii.dxf"));
@@ -220,6 +222,32 @@ TEST(DimGeometryAngular, TwoLineAngleTakesTheSectorOfTheArcPoint) {
   b = primitives(d->dimBlockId());
   ASSERT_EQ(b[2].kind, "ARC");
   EXPECT_ANGLE(b[2].startAngle, kPi / 4 + 2 * std::asin(1.25 / 20));
+
+  // Separate arrowheads: the first marks where the sector starts, here on the
+  // second line. The arc 5 out is 3.93 long, too short for the text with the
+  // open arrowhead and the tick; text moved away with a leader takes no room on
+  // it, so the arrowheads (2.5, and half the tick's 2.5) stay inside. That text
+  // reads horizontally.
+  d->setDimsah(true);
+  d->setDimblk1(OdDmUtil::getArrowId(L"_Integral", db.get()));
+  d->setDimblk2(OdDmUtil::getArrowId(L"_Open90", db.get()));
+  d->setDimatfit(3);
+  d->setDimtih(false);
+  d->setDimtoh(false);
+  d->setDimtmove(1);
+  setPoint(*d, "AcDb2LineAngularDimension", 16, 5 * std::cos(kPi / 8), 5 * std::sin(kPi / 8));
+  d->setTextPosition({30, 30, 0});
+  ASSERT_EQ(recomputeDimBlock(*d), eOk);
+  b = primitives(d->dimBlockId());
+  ASSERT_EQ(kinds(b), "LINE ARC INSERT INSERT MTEXT POINT POINT POINT POINT POINT") << "the x axis reaches the arc";
+  EXPECT_ANGLE(b[1].startAngle, 0) << "up to the tick";
+  EXPECT_ANGLE(b[1].endAngle, kPi / 4 - 2 * std::asin(1.25 / 5)) << "up to the open arrowhead's back";
+  EXPECT_EQ(upper(b[2].block), "_INTEGRAL");
+  EXPECT_AT(b[2].p[0], 5, 0);
+  EXPECT_EQ(upper(b[3].block), "_OPEN90");
+  EXPECT_AT(b[3].p[0], 5 * std::cos(kPi / 4), 5 * std::sin(kPi / 4));
+  EXPECT_AT(b[4].p[0], 30, 30);
+  EXPECT_ANGLE(b[4].angle, 0);
 }
 
 // An arc of radius 100 about the origin from 0 to 60 degrees, dimensioned 110

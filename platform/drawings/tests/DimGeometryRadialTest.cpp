@@ -45,11 +45,6 @@ double pointing(const Prim& s) {
   return std::atan2(s.p[2].y - by, s.p[2].x - bx);
 }
 
-std::string upper(std::string s) {
-  for (char& c : s) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-  return s;
-}
-
 double angleBetween(double a, double b) { return std::fabs(std::remainder(a - b, 2 * kPi)); }
 
 }  // namespace

@@ -259,6 +259,26 @@ TEST(DimGeometry, UserPlacedTextStaysAndTheLineFollows) {
   EXPECT_AT(b[3].p[0], 10, 5);
   EXPECT_LT(b[3].p[1].x, 14 - 0.09) << "up to the text, a gap short of it";
   EXPECT_GT(b[3].p[1].x, 12);
+
+  // "10.0000" is 0.87 wide: placed at 0.6 its gap starts 0.075 after the first
+  // extension line, too short for an arrowhead, so both go outside.
+  auto expectArrowBases = [&](double x1, double x2) {
+    ASSERT_EQ(recomputeDimBlock(*d), eOk);
+    std::vector<double> x;
+    for (const Prim& p : primitives(d->dimBlockId()))
+      if (p.kind == "SOLID") x.push_back(p.p[0].x);
+    ASSERT_EQ(x.size(), 2u);
+    EXPECT_NEAR(x[0], x1, 1e-9);
+    EXPECT_NEAR(x[1], x2, 1e-9);
+  };
+  d->setTextPosition({0.6, 5, 0});
+  expectArrowBases(-0.18, 10.18);
+  // On a line 0.8 long, DIMATFIT 0 would move both outside; the text's gap covers
+  // the whole line, which is drawn whole, and the arrowheads keep their room inside.
+  d->setDimatfit(0);
+  setPoint(*d, 14, 0.8, 0);
+  d->setTextPosition({0.4, 5, 0});
+  expectArrowBases(0.18, 0.62);
 }
 
 // Recomputing keeps the entity and its block (new entities replace the old ones),

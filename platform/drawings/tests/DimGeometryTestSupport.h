@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cctype>
 #include <cmath>
 #include <cstdio>
 #include <string>
@@ -79,6 +80,12 @@ inline std::string kinds(const std::vector<Prim>& v) {
 }
 
 inline double dist(const OdGePoint3d& a, const OdGePoint3d& b) { return std::hypot(a.x - b.x, a.y - b.y); }
+
+// Block names compare without regard to case.
+inline std::string upper(std::string s) {
+  for (char& c : s) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+  return s;
+}
 
 // A double spelled so that it reads back exactly.
 inline std::string exact(double v) {
