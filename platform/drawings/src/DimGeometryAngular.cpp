@@ -266,7 +266,7 @@ BlockContents computeAngular(const OdDbDimension& dim) {
   const OdString contents = odDimensionText(dim, measured);
   const bool hasText = !contents.isEmpty();
   const OdDbDatabase* db = dim.database();
-  const FontInfo font = db ? fontOf(*db, v.txsty) : FontInfo{};
+  const OdGiTextStyle font = db ? textStyleOf(*db, v.txsty) : OdGiTextStyle{};
   const double height = font.fixedHeight > 0 ? font.fixedHeight : v.txt;
   const TextExtents ext = hasText ? measureText(contents, height, font) : TextExtents{};
   const double gap = std::fabs(v.gap);

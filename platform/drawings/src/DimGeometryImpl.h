@@ -8,6 +8,7 @@
 #include "drawings/OdDbDimension.h"
 #include "drawings/OdDbGeometry.h"
 #include "drawings/OdDimVarSource.h"
+#include "drawings/OdGiTextMetrics.h"
 
 namespace dimgeom {
 
@@ -158,17 +159,12 @@ struct TextExtents {
   double height = 0.0;  // of the lines together (a stack counts with its parts)
 };
 
-// The widths of a font's characters, relative to the text height, and the text
-// style's width factor.
-struct FontInfo {
-  const struct FontTable* table = nullptr;
-  double widthFactor = 1.0;
-  double fixedHeight = 0.0;  // the style's fixed height, 0 when the text takes DIMTXT
-};
-
-FontInfo fontOf(const OdDbDatabase& db, const OdDbObjectId& textStyle);
-// MTEXT contents laid out as a dimension shows them (one line per \P or \X).
-TextExtents measureText(const OdString& contents, double height, const FontInfo& font);
+// The text style of dimension text (the drawing's "Standard" for a null id). Its
+// fixed height, when not 0, replaces DIMTXT.
+OdGiTextStyle textStyleOf(const OdDbDatabase& db, const OdDbObjectId& textStyle);
+// MTEXT contents laid out as a dimension shows them (one line per \P or \X),
+// measured by odTextMetrics().
+TextExtents measureText(const OdString& contents, double height, const OdGiTextStyle& style);
 
 // ---- the kinds ----
 

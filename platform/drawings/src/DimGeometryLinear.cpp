@@ -103,7 +103,7 @@ BlockContents computeLinear(const OdDbAlignedDimension& dim) {
   const OdString contents = dimensionText(dim, snapshot, measured);
   const bool hasText = !contents.isEmpty();
   const OdDbDatabase* db = dim.database();
-  const FontInfo font = db ? fontOf(*db, v.txsty) : FontInfo{};
+  const OdGiTextStyle font = db ? textStyleOf(*db, v.txsty) : OdGiTextStyle{};
   const double height = font.fixedHeight > 0 ? font.fixedHeight : v.txt;
   const TextExtents ext = hasText ? measureText(contents, height, font) : TextExtents{};
   const double gap = std::fabs(v.gap);

@@ -58,7 +58,7 @@ BlockContents computeOrdinate(const OdDbOrdinateDimension& dim) {
   const OdString contents = dimensionText(dim, v, measured);
   const bool hasText = !contents.isEmpty();
   const OdDbDatabase* db = dim.database();
-  const FontInfo font = db ? fontOf(*db, v.dimtxsty()) : FontInfo{};
+  const OdGiTextStyle font = db ? textStyleOf(*db, v.dimtxsty()) : OdGiTextStyle{};
   const double height = font.fixedHeight > 0 ? font.fixedHeight : txt;
   const TextExtents ext = hasText ? measureText(contents, height, font) : TextExtents{};
   const double rotationOverride = dim.textRotation();

@@ -105,7 +105,7 @@ struct Text {
 
   Text(const OdDbDimension& dim, const Vars& v, double measured) : contents(odDimensionText(dim, measured)) {
     const OdDbDatabase* db = dim.database();
-    const FontInfo font = db ? fontOf(*db, v.txsty) : FontInfo{};
+    const OdGiTextStyle font = db ? textStyleOf(*db, v.txsty) : OdGiTextStyle{};
     height = font.fixedHeight > 0 ? font.fixedHeight : v.txt;
     if (shown()) ext = measureText(contents, height, font);
   }

@@ -22,6 +22,7 @@
 #include "drawings/OdDbDimStyleTableRecord.h"
 #include "drawings/OdDbText.h"
 #include "drawings/OdDmUtil.h"
+#include "drawings/OdGiTextMetrics.h"
 
 namespace fs = std::filesystem;
 
@@ -231,6 +232,39 @@ TEST(DimGeometry, TextAndArrowheadsMoveOutsideWhenTheyDoNotFit) {
   ASSERT_EQ(kinds(b), "LINE LINE LINE LINE SOLID SOLID MTEXT POINT POINT POINT");
   EXPECT_AT(b[2].p[1], -0.36, 8);
   EXPECT_AT(b[6].p[0], 0.25, 8);
+}
+
+// The text is measured by the measurer the host installed: "1.5000" (0.75 wide)
+// fits between lines 1.5 apart with its gaps and arrowheads; twice as wide it
+// goes past the second extension line.
+TEST(DimGeometry, TextIsMeasuredByTheInstalledMeasurer) {
+  struct TwiceAsWide : OdGiTextMetrics {
+    OdGiDefaultTextMetrics plain;
+    OdGiTextExtents extents(const OdString& s, double height, const OdGiTextStyle& style) const override {
+      OdGiTextExtents e = plain.extents(s, height, style);
+      e.minX *= 2, e.maxX *= 2, e.advance *= 2;
+      return e;
+    }
+    double ascent(double h, const OdGiTextStyle& style) const override { return plain.ascent(h, style); }
+    double descent(double h, const OdGiTextStyle& style) const override { return plain.descent(h, style); }
+  };
+  struct BackToTheDefault {
+    ~BackToTheDefault() { odSetTextMetrics(nullptr); }
+  } restore;
+  OdDbDatabasePtr db = OdDbDatabase::createNew();
+  auto d = addRotated(*db, {0, 0, 0}, {1.5, 0, 0}, {0, 5, 0});
+  auto textAt = [&] {
+    EXPECT_EQ(recomputeDimBlock(*d), eOk);
+    const std::vector<Prim> b = primitives(d->dimBlockId());
+    const auto text = std::find_if(b.begin(), b.end(), [](const Prim& p) { return p.kind == "MTEXT"; });
+    return text == b.end() ? OdGePoint3d{-1, -1, 0} : text->p[0];
+  };
+  const OdGePoint3d fits = textAt();
+  EXPECT_AT(fits, 0.75, 5);
+  odSetTextMetrics(std::make_shared<TwiceAsWide>());
+  const OdGePoint3d wide = textAt();
+  EXPECT_GT(wide.x, 1.5 + 0.75) << "past the second extension line";
+  EXPECT_NEAR(wide.y, 5, 1e-12);
 }
 
 // Text the user placed stays there; the line leads to it past the extension line

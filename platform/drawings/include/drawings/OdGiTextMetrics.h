@@ -10,7 +10,8 @@
 //
 // The host may install its own measurer (real font rendering) with
 // odSetTextMetrics(); the default one reads the TrueType files installed here and
-// carries tables for shape fonts, whose files are not available.
+// carries tables for fonts whose files are not available (shape fonts, and
+// TrueType fonts that drawings often name).
 #pragma once
 
 #include <memory>
@@ -76,7 +77,7 @@ struct OdGiFontMatch {
   enum class Kind { TrueType, Shape };
   Kind kind = Kind::Shape;
   std::string path;          // TrueType: the file measured
-  std::string shapeTable;    // Shape: the built-in table ("txt", "simplex")
+  std::string table;         // the built-in table ("txt", "simplex"; "arial": for the characters it lists)
   double capHeightPerEm = 0; // TrueType: the capital's height in ems of the font the style names
   double widthScale = 1.0;   // a condensed face measured as its regular one, narrowed
   bool substitute = false;   // not the font the style names (that one is not installed)
@@ -87,7 +88,10 @@ struct OdGiFontMatch {
 // TrueType: a file of the style's name in the font folders (any letter case) is
 // used as it is. Otherwise a metric-compatible substitute (Liberation fonts for
 // Arial, Times New Roman and Courier New: the same advance widths), then the
-// style's family, then a font of the same kind (serif, sans, fixed pitch).
+// style's family, then a font of the same kind (serif, sans, fixed pitch). Arial
+// and Play, when not installed, have built-in tables of the glyphs dimension text
+// uses most (Arial's ASCII, Play's digits and signs): those measure the characters
+// they list, the substitute the rest.
 //
 // Shape fonts (.shx) are measured with built-in tables: "txt" from the gaps that a
 // CAD program left in the dimension lines of real drawings; "simplex" and
