@@ -123,11 +123,7 @@ TEST_F(DimStyleCommandTest, ColumnsArePaddedToTheirWidthWithAtLeastOneBlank) {
 // A translation that breaks the list's shape, or a short form that another
 // keyword shadows, would make an option unreachable in that language.
 TEST_F(DimStyleCommandTest, EveryOptionIsReachableByItsShortFormAndGlobalFormInBothLanguages) {
-  struct Typed {
-    const char* language;
-    const wchar_t* typed;
-    DimStyleOption option;
-  } cases[] = {
+  struct Typed { const char* language; const wchar_t* typed; DimStyleOption option; } cases[] = {
       {"en", L"AN", DimStyleOption::Annotative}, {"en", L"S", DimStyleOption::Save},
       {"en", L"R", DimStyleOption::Restore},     {"en", L"ST", DimStyleOption::Status},
       {"en", L"V", DimStyleOption::Variables},   {"en", L"A", DimStyleOption::Apply},
@@ -165,11 +161,7 @@ TEST_F(DimStyleCommandTest, EveryOptionIsReachableByItsShortFormAndGlobalFormInB
 }
 
 TEST_F(DimStyleCommandTest, ListPatterns) {
-  struct Case {
-    const wchar_t* name;
-    const wchar_t* pattern;
-    bool matches;
-  } cases[] = {
+  struct Case { const wchar_t* name; const wchar_t* pattern; bool matches; } cases[] = {
       {L"ISO-25", L"*", true},       {L"ISO-25", L"iso-25", true},   {L"ISO-25", L"ISO", false},
       {L"ISO-25$0", L"ISO-25$?", true}, {L"ISO-25", L"ISO-25$?", false}, {L"Mechanical", L"m*l", true},
       {L"Mechanical", L"*a*a*", true}, {L"Mechanical", L"*x*", false}, {L"Русский", L"РУС*", true},

@@ -208,9 +208,7 @@ TEST_F(Listings, MissingSidesLeaveTheListAlone) {
 // Listings of the rows an R12 file can hold: the style's DIMSTYLE slots and the
 // header's variables of that version. The others are R13 and later additions,
 // which an R12 file leaves at their built-in values.
-struct R12View {
-  std::vector<std::wstring> style, current, overrides;
-};
+struct R12View { std::vector<std::wstring> style, current, overrides; };
 
 R12View r12View(OdDbDatabase& db) {
   hostSetActiveDatabase(&db);

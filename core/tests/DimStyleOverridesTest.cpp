@@ -173,12 +173,7 @@ protected:
 };
 
 TEST_F(Children, ParseChildName) {
-  struct Case {
-    const wchar_t* name;
-    bool child;
-    int code = -1;
-    const wchar_t* parent = L"";
-  };
+  struct Case { const wchar_t* name; bool child; int code = -1; const wchar_t* parent = L""; };
   for (const Case& c : {Case{L"A$0", true, 0, L"A"}, Case{L"A$3", true, 3, L"A"}, Case{L"A$4", true, 4, L"A"},
                         Case{L"a$6", true, 6, L"a"}, Case{L"A$7", true, 7, L"A"}, Case{L"A$1", false},
                         Case{L"A$5", false}, Case{L"A$8", false}, Case{L"A$9", false}, Case{L"A$00", false},

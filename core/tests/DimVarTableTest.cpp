@@ -4,8 +4,8 @@
 
 #include <algorithm>
 #include <cmath>
-#include <map>
 #include <numbers>
+#include <tuple>
 
 #include "DdsModelTestSupport.h"
 #include "model/DimArrows.h"
@@ -33,19 +33,9 @@ std::wstring conversions(const std::wstring& s) {
 }
 
 TEST(DimVarCatalogue, RowsMatchTheCatalogue) {
-  std::map<DimVarKind, int> counts;
-  for (const DimVarInfo& v : DimVarTable) ++counts[v.kind];
+  // Each row has the kind of the drawing's catalogue, where the kinds are counted.
   using K = DimVarKind;
-  EXPECT_EQ(counts, (std::map<DimVarKind, int>{{K::Bool, 16}, {K::Int16, 15}, {K::UInt16, 2}, {K::UInt8, 5},
-                                                 {K::Double, 22}, {K::String, 4}, {K::Color, 4}, {K::Block, 4},
-                                                 {K::Linetype, 3}, {K::TextStyle, 1}, {K::LineWeight, 2}}));
-
-  struct Row {
-    std::size_t index;
-    const wchar_t* full;
-    DimVarKind kind;
-    int description;
-  };
+  struct Row { std::size_t index; const wchar_t* full; DimVarKind kind; int description; };
   for (const Row& r : {Row{0, L"DIMadec", K::Int16, 1082}, Row{24, L"DIMdsep", K::Int16, 1106},
                        Row{34, L"DIMlwd", K::LineWeight, 1116}, Row{72, L"DIMltex2", K::Linetype, 1154},
                        Row{73, L"DIMtxtdirection", K::Bool, 1169}, Row{75, L"DIMmzs", K::String, 1171},
@@ -64,6 +54,7 @@ TEST(DimVarCatalogue, RowsMatchTheCatalogue) {
   for (std::size_t i = 0; i < kDimVarCount; ++i) {
     EXPECT_EQ(DimVarTable[i].row, i);
     EXPECT_EQ(DimVarTable[i].foldedName().ToUtf8(), kDimVarDefaults[i].name);
+    EXPECT_EQ(DimVarTable[i].kind, kDimVarDefaults[i].kind) << kDimVarDefaults[i].name;
     EXPECT_EQ(FindDimVarInfo(lower(DimVarTable[i].fullName).c_str()), &DimVarTable[i]);
   }
   EXPECT_EQ(FindDimVarInfo(L"DIMUNIT"), nullptr);  // obsolete, not in the catalogue
@@ -147,25 +138,12 @@ TEST(DdsStrings, TableIsCompleteInBothLanguages) {
 
 // The arrowhead list as the pickers show it.
 const std::pair<const wchar_t*, const wchar_t*> kArrows[] = {
-    {L"", L"Closed filled"},
-    {L"_ClosedBlank", L"Closed blank"},
-    {L"_Closed", L"Closed"},
-    {L"_Dot", L"Dot"},
-    {L"_ArchTick", L"Architectural tick"},
-    {L"_Oblique", L"Oblique"},
-    {L"_Open", L"Open"},
-    {L"_Origin", L"Origin indicator"},
-    {L"_Origin2", L"Origin indicator 2"},
-    {L"_Open90", L"Right angle"},
-    {L"_Open30", L"Open 30"},
-    {L"_DotSmall", L"Dot small"},
-    {L"_DotBlank", L"Dot blank"},
-    {L"_Small", L"Dot small blank"},
-    {L"_BoxBlank", L"Box"},
-    {L"_BoxFilled", L"Box filled"},
-    {L"_DatumBlank", L"Datum triangle"},
-    {L"_DatumFilled", L"Datum triangle filled"},
-    {L"_Integral", L"Integral"},
+    {L"", L"Closed filled"}, {L"_ClosedBlank", L"Closed blank"}, {L"_Closed", L"Closed"}, {L"_Dot", L"Dot"},
+    {L"_ArchTick", L"Architectural tick"}, {L"_Oblique", L"Oblique"}, {L"_Open", L"Open"},
+    {L"_Origin", L"Origin indicator"}, {L"_Origin2", L"Origin indicator 2"}, {L"_Open90", L"Right angle"},
+    {L"_Open30", L"Open 30"}, {L"_DotSmall", L"Dot small"}, {L"_DotBlank", L"Dot blank"},
+    {L"_Small", L"Dot small blank"}, {L"_BoxBlank", L"Box"}, {L"_BoxFilled", L"Box filled"},
+    {L"_DatumBlank", L"Datum triangle"}, {L"_DatumFilled", L"Datum triangle filled"}, {L"_Integral", L"Integral"},
     {L"_None", L"None"},
 };
 
@@ -203,17 +181,13 @@ TEST_F(Formatters, RecordsAndNullIds) {
   const OdDbObjectId standard = odOpen<OdDbSymbolTable>(db->getTextStyleTableId())->getAt(L"Standard");
   const OdDbObjectId nod = db->getNamedObjectsDictionaryId();
   const std::wstring nodText = L"0x" + nod.getHandle().ascii().str() + L" (OdDbDictionary)";
-  struct Case {
-    OdDbObjectId id;
-    const wchar_t* var;
-    std::wstring text;
-  };
-  for (const Case& c : {Case{OdDbObjectId(), L"ltype", L"BYBLOCK"}, Case{OdDbObjectId(), L"ltex1", L"BYBLOCK"},
-                        Case{OdDbObjectId(), L"LTEX2", L"BYBLOCK"}, Case{OdDbObjectId(), L"txsty", L"<default>"},
-                        Case{continuous, L"ltex1", L"Continuous"}, Case{standard, L"txsty", L"Standard"},
-                        Case{nod, L"txsty", nodText}, Case{nod, L"blk", nodText}}) {
-    EXPECT_EQ(DimVarFormatId(c.id, c.var).str(), c.text) << c.var;
-  }
+  using Case = std::tuple<OdDbObjectId, const wchar_t*, std::wstring>;
+  for (const auto& [id, var, text] :
+       {Case{OdDbObjectId(), L"ltype", L"BYBLOCK"}, Case{OdDbObjectId(), L"ltex1", L"BYBLOCK"},
+        Case{OdDbObjectId(), L"LTEX2", L"BYBLOCK"}, Case{OdDbObjectId(), L"txsty", L"<default>"},
+        Case{continuous, L"ltex1", L"Continuous"}, Case{standard, L"txsty", L"Standard"}, Case{nod, L"txsty", nodText},
+        Case{nod, L"blk", nodText}})
+    EXPECT_EQ(DimVarFormatId(id, var).str(), text) << CXStringW(var).ToUtf8();
   hostSetLanguage("ru");
   EXPECT_EQ(DimVarFormatId(OdDbObjectId(), L"ltex1"), CXStringW(L"ПОБЛОКУ"));
   EXPECT_EQ(DimVarFormatId(OdDbObjectId(), L"txsty"), CXStringW(L"<по умолчанию>"));
@@ -221,28 +195,17 @@ TEST_F(Formatters, RecordsAndNullIds) {
 
 TEST_F(Formatters, NumbersBoolsAndStrings) {
   OdDbDatabase* db = newDrawing();  // decimal units, 4 places; decimal degrees, 0 places
-  struct IntCase {
-    int value;
-    const wchar_t* var;
-    const wchar_t* text;
-  };
-  for (const IntCase& c : {IntCase{44, L"dsep", L","}, IntCase{46, L"DSEP", L"."}, IntCase{44, L"dec", L"44"},
-                           IntCase{300, L"dsep", L","}, IntCase{-1, L"lwd", L"-1"}, IntCase{-2, L"lwe", L"-2"},
-                           IntCase{0, L"adec", L"0"}, IntCase{46, L"tdec", L"46"}}) {
-    EXPECT_EQ(DimVarFormatInteger(c.value, c.var), CXStringW(c.text)) << c.value << " " << CXStringW(c.var).ToUtf8();
-  }
-  struct DoubleCase {
-    double value;
-    const wchar_t* var;
-    const wchar_t* text;
-  };
+  using Int = std::tuple<int, const wchar_t*, const wchar_t*>;
+  for (auto [value, var, text] : {Int{44, L"dsep", L","}, Int{46, L"DSEP", L"."}, Int{44, L"dec", L"44"},
+                                  Int{300, L"dsep", L","}, Int{-1, L"lwd", L"-1"}, Int{-2, L"lwe", L"-2"},
+                                  Int{0, L"adec", L"0"}, Int{46, L"tdec", L"46"}})
+    EXPECT_EQ(DimVarFormatInteger(value, var), CXStringW(text)) << value << " " << CXStringW(var).ToUtf8();
+  using Real = std::tuple<double, const wchar_t*, const wchar_t*>;
   const double quarterPi = 0.7853981633974483;
-  for (const DoubleCase& c : {DoubleCase{0.18, L"asz", L"0.1800"}, DoubleCase{-2.5, L"tm", L"-2.5000"},
-                              DoubleCase{quarterPi, L"jogang", L"45"}, DoubleCase{quarterPi, L"JogAng", L"45"},
-                              DoubleCase{std::numbers::pi / 2, L"jogang", L"90"},
-                              DoubleCase{quarterPi, L"asz", L"0.7854"}}) {
-    EXPECT_EQ(DimVarFormatDouble(c.value, c.var), CXStringW(c.text)) << c.value;
-  }
+  for (auto [value, var, text] : {Real{0.18, L"asz", L"0.1800"}, Real{-2.5, L"tm", L"-2.5000"},
+                                  Real{quarterPi, L"jogang", L"45"}, Real{quarterPi, L"JogAng", L"45"},
+                                  Real{std::numbers::pi / 2, L"jogang", L"90"}, Real{quarterPi, L"asz", L"0.7854"}})
+    EXPECT_EQ(DimVarFormatDouble(value, var), CXStringW(text)) << value;
   // The drawing's own settings decide.
   db->setHeaderInt("$LUPREC", 70, 2);
   db->setHeaderInt("$AUPREC", 70, 1);
@@ -258,27 +221,15 @@ TEST_F(Formatters, NumbersBoolsAndStrings) {
 
 TEST_F(Formatters, Colors) {
   newDrawing();
-  auto aci = [](int16_t i) {
-    OdCmColor c;
-    c.setColorIndex(i);
-    return c;
-  };
-  auto rgb = [](uint8_t r, uint8_t g, uint8_t b) {
-    OdCmColor c;
-    c.setRGB(r, g, b);
-    return c;
-  };
-  struct Case {
-    OdCmColor color;
-    const wchar_t* text;
-  };
-  for (const Case& c : {Case{OdCmColor(OdCmEntityColor::kByBlock), L"BYBLOCK"},
-                        Case{OdCmColor(OdCmEntityColor::kByLayer), L"BYLAYER"}, Case{aci(1), L"red"},
-                        Case{aci(2), L"yellow"}, Case{aci(3), L"green"}, Case{aci(4), L"cyan"}, Case{aci(5), L"blue"},
-                        Case{aci(6), L"magenta"}, Case{aci(7), L"#FFFFFF"}, Case{rgb(255, 0, 0), L"#FF0000"},
-                        Case{rgb(0x12, 0x34, 0x56), L"#123456"}}) {
-    EXPECT_EQ(DimVarFormatColor(c.color), CXStringW(c.text)) << CXStringW(c.text).ToUtf8();
-  }
+  auto aci = [](int16_t i) { return OdCmColor::fromDxf(i); };
+  auto rgb = [](int32_t rgb) { return OdCmColor::fromDxf(7, rgb); };
+  using Case = std::pair<OdCmColor, const wchar_t*>;
+  for (const auto& [color, text] :
+       {Case{OdCmColor(OdCmEntityColor::kByBlock), L"BYBLOCK"}, Case{OdCmColor(OdCmEntityColor::kByLayer), L"BYLAYER"},
+        Case{aci(1), L"red"}, Case{aci(2), L"yellow"}, Case{aci(3), L"green"}, Case{aci(4), L"cyan"},
+        Case{aci(5), L"blue"}, Case{aci(6), L"magenta"}, Case{aci(7), L"#FFFFFF"}, Case{rgb(0xFF0000), L"#FF0000"},
+        Case{rgb(0x123456), L"#123456"}})
+    EXPECT_EQ(DimVarFormatColor(color), CXStringW(text)) << CXStringW(text).ToUtf8();
   hostSetLanguage("ru");
   EXPECT_EQ(DimVarFormatColor(aci(1)), CXStringW(L"красный"));
   EXPECT_EQ(DimVarFormatColor(OdCmColor(OdCmEntityColor::kByLayer)), CXStringW(L"ПОСЛОЮ"));

@@ -6,10 +6,7 @@
 
 namespace {
 
-struct Probe {
-  std::wstring outcome;
-  int line = 0;
-};
+struct Probe { std::wstring outcome; int line = 0; };
 
 std::wstring hex(VxResult r) {
   CXStringW s;

@@ -1,23 +1,18 @@
 // Annotation scales and associativity as real drawings store them.
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <set>
 
+#include "TestSupport.h"
 #include "drawings/OdDbAnnotation.h"
 #include "drawings/OdDbDatabase.h"
 #include "drawings/OdDbDimension.h"
 
-namespace {
-OdDbDatabasePtr load(const char* name) {
-  std::string path = std::string(CORPUS_DIR) + "/" + name;
-  return std::filesystem::exists(path) ? OdDbDatabase::readDxfFile(path) : OdDbDatabasePtr();
-}
-}  // namespace
+using testsupport::loadCorpus;
 
 TEST(Annotation, AnnotativeLeadersReachTheirScalesThroughTheContextData) {
   for (const char* name : {"LibreDWG__libredwg__2000-Leader.dxf", "LibreDWG__libredwg__2018-Leader.dxf"}) {
-    OdDbDatabasePtr db = load(name);
+    OdDbDatabasePtr db = loadCorpus(name);
     if (!db) GTEST_SKIP();
     // Every scale of the drawing has a name, and one of them is the current scale.
     std::set<std::wstring> scaleNames;
@@ -51,7 +46,7 @@ TEST(Annotation, AnnotativeLeadersReachTheirScalesThroughTheContextData) {
 }
 
 TEST(Annotation, ChangingTheDefaultScaleAndCurrentScaleSurvivesSaving) {
-  OdDbDatabasePtr db = load("LibreDWG__libredwg__2018-Leader.dxf");
+  OdDbDatabasePtr db = loadCorpus("LibreDWG__libredwg__2018-Leader.dxf");
   if (!db) GTEST_SKIP();
   db->setCANNOSCALE(L"1:2");
   OdDbObjectId contextId;
@@ -68,7 +63,7 @@ TEST(Annotation, ChangingTheDefaultScaleAndCurrentScaleSurvivesSaving) {
 }
 
 TEST(Annotation, DimensionsFindTheirAssociativityObject) {
-  OdDbDatabasePtr db = load("DomCR__ACadSharp__sample_AC1015_ascii.dxf");
+  OdDbDatabasePtr db = loadCorpus("DomCR__ACadSharp__sample_AC1015_ascii.dxf");
   if (!db) GTEST_SKIP();
   int associative = 0, dims = 0;
   auto ms = odOpen<OdDbBlockTableRecord>(db->getModelSpaceId());

@@ -8,7 +8,6 @@
 #include <filesystem>
 #include <fstream>
 #include <map>
-#include <random>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -28,10 +27,7 @@ using testsupport::haveEzdxf;
 // POLYLINE/VERTEX are both "PLINE" with [closed, then x y bulge startWidth
 // endWidth per vertex], widths resolved from the vertex, the polyline's default or
 // its constant width; arc angles in [0, 360).
-struct Shape {
-  std::string kind;
-  std::vector<double> v;
-};
+struct Shape { std::string kind; std::vector<double> v; };
 
 double tagValue(const DxfTagList& t, int code, double dflt = 0.0) {
   for (const DxfTag& tag : t)
@@ -139,19 +135,14 @@ struct EzdxfView {
 
 // Saves `db` and reads it back with ezdxf, listing the named blocks.
 EzdxfView readWithEzdxf(const OdDbDatabase& db, const std::vector<std::string>& names) {
-  const fs::path dir = fs::path(::testing::TempDir()) / ("arrow_blocks_" + std::to_string(std::random_device()()));
-  fs::create_directories(dir);
-  const fs::path file = dir / "drawing.dxf", log = dir / "out.txt";
-  db.writeDxfFile(file.string());
-  std::string command = "/usr/bin/python3 '" + (fs::path(TESTS_DIR) / "check_blocks.py").string() + "' '" +
-                        file.string() + "'";
-  for (const std::string& n : names) command += " '" + n + "'";
-  EzdxfView view;
-  const int status = std::system((command + " >'" + log.string() + "' 2>&1").c_str());
-  std::ifstream in(log);
-  std::string line, current;
-  while (std::getline(in, line)) {
-    view.output += line + "\n";
+  std::vector<std::string> args{testsupport::tempPath("arrow_blocks.dxf")};
+  db.writeDxfFile(args.front());
+  args.insert(args.end(), names.begin(), names.end());
+  const testsupport::ScriptRun run = testsupport::runScript("check_blocks.py", args);
+  fs::remove(args.front());
+  EzdxfView view{{}, {}, run.out + run.err};
+  std::string current;
+  for (const std::string& line : testsupport::lines(run.out)) {
     std::istringstream fields(line);
     std::string head;
     fields >> head;
@@ -163,8 +154,7 @@ EzdxfView readWithEzdxf(const OdDbDatabase& db, const std::vector<std::string>& 
       view.blocks[current].push_back(f);
     }
   }
-  if (status != 0) view.audit.push_back("check_blocks.py failed");
-  fs::remove_all(dir);
+  if (run.status != 0) view.audit.push_back("check_blocks.py failed");
   return view;
 }
 
@@ -172,31 +162,17 @@ EzdxfView readWithEzdxf(const OdDbDatabase& db, const std::vector<std::string>& 
 
 // Canonical names and the entities each block holds at unit size ("PLINE" is a
 // LWPOLYLINE, or a POLYLINE before R2000); closed filled, the default, has none.
-struct StandardArrow {
-  const wchar_t* name;
-  std::vector<std::string> kinds;
-};
+struct StandardArrow { const wchar_t* name; std::vector<std::string> kinds; };
 const std::vector<StandardArrow>& standardArrows() {
   static const std::vector<StandardArrow> arrows = {
-      {L"_ClosedBlank", {"LINE", "LINE", "LINE"}},
-      {L"_Closed", {"LINE", "LINE", "LINE", "LINE"}},
-      {L"_Dot", {"PLINE", "LINE"}},
-      {L"_ArchTick", {"PLINE"}},
-      {L"_Oblique", {"LINE"}},
-      {L"_Open", {"LINE", "LINE", "LINE"}},
-      {L"_Origin", {"CIRCLE", "LINE"}},
-      {L"_Origin2", {"CIRCLE", "CIRCLE", "LINE"}},
-      {L"_Open90", {"LINE", "LINE", "LINE"}},
-      {L"_Open30", {"LINE", "LINE", "LINE"}},
-      {L"_DotSmall", {"PLINE"}},
-      {L"_DotBlank", {"CIRCLE", "LINE"}},
-      {L"_Small", {"CIRCLE"}},
-      {L"_BoxBlank", {"LINE", "LINE", "LINE", "LINE", "LINE"}},
-      {L"_BoxFilled", {"SOLID", "LINE"}},
-      {L"_DatumBlank", {"LINE", "LINE", "LINE"}},
-      {L"_DatumFilled", {"SOLID"}},
-      {L"_Integral", {"ARC", "ARC"}},
-      {L"_None", {}},
+      {L"_ClosedBlank", {"LINE", "LINE", "LINE"}}, {L"_Closed", {"LINE", "LINE", "LINE", "LINE"}},
+      {L"_Dot", {"PLINE", "LINE"}}, {L"_ArchTick", {"PLINE"}}, {L"_Oblique", {"LINE"}},
+      {L"_Open", {"LINE", "LINE", "LINE"}}, {L"_Origin", {"CIRCLE", "LINE"}},
+      {L"_Origin2", {"CIRCLE", "CIRCLE", "LINE"}}, {L"_Open90", {"LINE", "LINE", "LINE"}},
+      {L"_Open30", {"LINE", "LINE", "LINE"}}, {L"_DotSmall", {"PLINE"}}, {L"_DotBlank", {"CIRCLE", "LINE"}},
+      {L"_Small", {"CIRCLE"}}, {L"_BoxBlank", {"LINE", "LINE", "LINE", "LINE", "LINE"}},
+      {L"_BoxFilled", {"SOLID", "LINE"}}, {L"_DatumBlank", {"LINE", "LINE", "LINE"}}, {L"_DatumFilled", {"SOLID"}},
+      {L"_Integral", {"ARC", "ARC"}}, {L"_None", {}},
   };
   return arrows;
 }
@@ -285,22 +261,20 @@ INSTANTIATE_TEST_SUITE_P(NewDrawings, ArrowBlocks, ::testing::Values(DxfVersion:
 
 // A closed two-vertex polyline with bulges of 1 is a ring; its width fills the disc
 // only when it equals the ring's diameter: less leaves a hole, more overlaps.
-TEST(ArrowBlocksTest, DotsAreFilledDiscs) {
-  for (DxfVersion v : {DxfVersion::R12, DxfVersion::R2018}) {
-    OdDbDatabasePtr db = OdDbDatabase::createNew(v);
-    for (const wchar_t* name : {L"_Dot", L"_DotSmall"}) {
-      std::vector<Shape> shapes = shapesOf(*openBlock(OdDmUtil::getArrowId(name, db.get())));
-      auto ring = std::find_if(shapes.begin(), shapes.end(), [](const Shape& s) { return s.kind == "PLINE"; });
-      ASSERT_NE(ring, shapes.end());
-      ASSERT_EQ(ring->v.size(), 11u);
-      const double* a = &ring->v[1];
-      const double* b = &ring->v[6];
-      EXPECT_EQ(ring->v[0], 1.0) << "closed";
-      EXPECT_EQ(a[2], 1.0);
-      EXPECT_EQ(b[2], 1.0);
-      const double diameter = std::hypot(a[0] - b[0], a[1] - b[1]);
-      for (double w : {a[3], a[4], b[3], b[4]}) EXPECT_NEAR(w, diameter, 1e-12) << OdString(name).toUtf8();
-    }
+TEST_P(ArrowBlocks, DotsAreFilledDiscs) {
+  OdDbDatabasePtr db = OdDbDatabase::createNew(GetParam());
+  for (const wchar_t* name : {L"_Dot", L"_DotSmall"}) {
+    std::vector<Shape> shapes = shapesOf(*openBlock(OdDmUtil::getArrowId(name, db.get())));
+    auto ring = std::find_if(shapes.begin(), shapes.end(), [](const Shape& s) { return s.kind == "PLINE"; });
+    ASSERT_NE(ring, shapes.end());
+    ASSERT_EQ(ring->v.size(), 11u);
+    const double* a = &ring->v[1];
+    const double* b = &ring->v[6];
+    EXPECT_EQ(ring->v[0], 1.0) << "closed";
+    EXPECT_EQ(a[2], 1.0);
+    EXPECT_EQ(b[2], 1.0);
+    const double diameter = std::hypot(a[0] - b[0], a[1] - b[1]);
+    for (double w : {a[3], a[4], b[3], b[4]}) EXPECT_NEAR(w, diameter, 1e-12) << OdString(name).toUtf8();
   }
 }
 
@@ -355,22 +329,20 @@ TEST(ArrowBlocksTest, UserBlocksRoundTripByTheirOwnNames) {
 }
 
 // Guards against block parts kept where undo does not look (records, sections).
-TEST(ArrowBlocksTest, MakingArrowsIsOneUndoStep) {
-  for (DxfVersion v : {DxfVersion::R12, DxfVersion::R2018}) {
-    OdDbDatabasePtr db = OdDbDatabase::createNew(v);
-    const std::string before = db->toDxf();
-    db->beginUndoGroup(L"arrows");
-    OdDmUtil::getArrowId(L"_Dot", db.get());
-    OdDmUtil::getArrowId(L"_ArchTick", db.get());
-    db->endUndoGroup();
-    const std::string with = db->toDxf();
-    db->undo();
-    EXPECT_TRUE(db->toDxf() == before) << dxfver::keyword(v);
-    EXPECT_TRUE(blockNamed(*db, L"_Dot").isNull());
-    db->redo();
-    EXPECT_TRUE(db->toDxf() == with) << dxfver::keyword(v);
-    EXPECT_FALSE(blockNamed(*db, L"_ArchTick").isNull());
-  }
+TEST_P(ArrowBlocks, MakingArrowsIsOneUndoStep) {
+  OdDbDatabasePtr db = OdDbDatabase::createNew(GetParam());
+  const std::string before = db->toDxf();
+  db->beginUndoGroup(L"arrows");
+  OdDmUtil::getArrowId(L"_Dot", db.get());
+  OdDmUtil::getArrowId(L"_ArchTick", db.get());
+  db->endUndoGroup();
+  const std::string with = db->toDxf();
+  db->undo();
+  EXPECT_TRUE(db->toDxf() == before);
+  EXPECT_TRUE(blockNamed(*db, L"_Dot").isNull());
+  db->redo();
+  EXPECT_TRUE(db->toDxf() == with);
+  EXPECT_FALSE(blockNamed(*db, L"_ArchTick").isNull());
 }
 
 // ---- Blocks in general ---------------------------------------------------------

@@ -158,21 +158,11 @@ TEST(ColorTest, DisplayNames) {
   OdCmColor off;
   off.setColor(0xC6000002);
   const struct { OdCmColor c; const wchar_t* text; } cases[] = {
-      {OdCmColor(), L"ByLayer"},
-      {aci(0), L"ByBlock"},
-      {aci(1), L"red"},
-      {aci(6), L"magenta"},
-      {aci(7), L"white"},
-      {aci(8), L"8"},
-      {aci(10), L"10"},  // same RGB as red, but not named red
-      {aci(255), L"255"},
-      {rgb(54, 117, 66), L"54,117,66"},
-      {rgb(255, 0, 0), L"255,0,0"},
-      {book(54, 117, 66, L"GREEN 12", L"MYBOOK"), L"MYBOOK$GREEN 12"},
-      {book(54, 117, 66, L"GREEN 12", L""), L"GREEN 12"},
-      {OdCmColor(kForeground), L"Foreground"},
-      {OdCmColor(kNone), L"None"},
-      {off, L"yellow"},
+      {OdCmColor(), L"ByLayer"}, {aci(0), L"ByBlock"}, {aci(1), L"red"}, {aci(6), L"magenta"}, {aci(7), L"white"},
+      {aci(8), L"8"}, {aci(10), L"10"} /* red's RGB, not named red */, {aci(255), L"255"},
+      {rgb(54, 117, 66), L"54,117,66"}, {rgb(255, 0, 0), L"255,0,0"},
+      {book(54, 117, 66, L"GREEN 12", L"MYBOOK"), L"MYBOOK$GREEN 12"}, {book(54, 117, 66, L"GREEN 12", L""), L"GREEN 12"},
+      {OdCmColor(kForeground), L"Foreground"}, {OdCmColor(kNone), L"None"}, {off, L"yellow"},
   };
   for (const auto& t : cases) EXPECT_EQ(t.c.colorNameForDisplay().str(), t.text);
 }

@@ -12,7 +12,6 @@
 #include <functional>
 #include <map>
 #include <numbers>
-#include <random>
 #include <set>
 #include <sstream>
 
@@ -38,30 +37,20 @@ std::string get(const Values& v, const std::string& key) {
 
 // ---- the independent reader ----
 
-fs::path dumpScript() { return fs::path(TESTS_DIR) / "dump_entities.py"; }
-
 #define SKIP_WITHOUT_EZDXF() \
   if (!haveEzdxf()) GTEST_SKIP() << "/usr/bin/python3 with ezdxf is not available"
 
 // Runs the dump over `files` (file -> handle -> values); `messages` gets what the audit said.
 std::map<std::string, std::map<std::string, Values>> dump(const std::vector<std::string>& files, bool audit,
                                                           int* status = nullptr, std::string* messages = nullptr) {
-  fs::path log = fs::path(::testing::TempDir()) / ("dump_" + std::to_string(std::random_device()()) + ".log");
-  std::string cmd = "/usr/bin/python3 '" + dumpScript().string() + "'" + (audit ? " --audit" : "");
-  for (auto& f : files) cmd += " '" + f + "'";
-  cmd += " 2>'" + log.string() + "'";
+  std::vector<std::string> args = files;
+  if (audit) args.insert(args.begin(), "--audit");
+  const ScriptRun run = runScript("dump_entities.py", args);
+  if (status) *status = run.status;
+  if (messages) *messages = run.err;
   std::map<std::string, std::map<std::string, Values>> out;
-  FILE* p = popen(cmd.c_str(), "r");
-  if (!p) return out;
-  std::string all;
-  char buf[65536];
-  for (size_t n; (n = fread(buf, 1, sizeof buf, p)) > 0;) all.append(buf, n);
-  int rc = pclose(p);
-  if (status) *status = rc;
-  if (messages) *messages = slurp(log.string());
-  fs::remove(log);
   std::string file;
-  for (const std::string& line : lines(all)) {
+  for (const std::string& line : lines(run.out)) {
     if (line.rfind("FILE ", 0) == 0) {
       file = line.substr(5);
       continue;
@@ -173,8 +162,6 @@ OdDbEntityPtr entityByHandle(const OdDbDatabase& db, const std::string& hex) {
   return odOpen<OdDbEntity>(db.getOdDbObjectId(OdDbHandle(std::stoull(hex, nullptr, 16))));
 }
 
-
-
 }  // namespace
 
 // ---- real drawings ----
@@ -227,33 +214,16 @@ TEST(Entities, EditingOneValueRewritesOnlyItsLine) {
       {"LibreDWG__libredwg__example_2000.dxf", "LINE",
        [](OdDbEntity& e) { auto l = OdDbLine::cast(&e); auto p = l->endPoint(); p.y -= 3; l->setEndPoint(p); return p.y; }},
       {"LibreDWG__libredwg__example_2000.dxf", "LWPOLYLINE",
-       [](OdDbEntity& e) {
-         auto pl = OdDbPolyline::cast(&e);
-         OdGePoint2d p;
-         pl->getPointAt(2, p);
-         p.x += 10;
-         pl->setPointAt(2, p);
-         return p.x;
-       }},
+       [](OdDbEntity& e) { auto pl = OdDbPolyline::cast(&e); OdGePoint2d p; pl->getPointAt(2, p); p.x += 10;
+                           pl->setPointAt(2, p); return p.x; }},
       {"LibreDWG__libredwg__example_2000.dxf", "MTEXT",
        [](OdDbEntity& e) { auto m = OdDbMText::cast(&e); m->setTextHeight(m->textHeight() * 2); return m->textHeight(); }},
       {"LibreDWG__libredwg__example_2000.dxf", "SOLID",
-       [](OdDbEntity& e) {
-         auto s = OdDbSolid::cast(&e);
-         OdGePoint3d p;
-         s->getPointAt(1, p);
-         p.x = -4.5;
-         s->setPointAt(1, p);
-         return -4.5;
-       }},
+       [](OdDbEntity& e) { auto s = OdDbSolid::cast(&e); OdGePoint3d p; s->getPointAt(1, p); p.x = -4.5;
+                           s->setPointAt(1, p); return -4.5; }},
       {"qcad__qcad__leader_overrides.dxf", "LEADER",
-       [](OdDbEntity& e) {
-         auto l = OdDbLeader::cast(&e);
-         auto p = l->vertexAt(1);
-         p.y += 2;
-         l->setVertexAt(1, p);
-         return p.y;
-       }},
+       [](OdDbEntity& e) { auto l = OdDbLeader::cast(&e); auto p = l->vertexAt(1); p.y += 2; l->setVertexAt(1, p);
+                           return p.y; }},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(std::string(c.file) + " " + c.type);
@@ -279,9 +249,8 @@ TEST(Entities, EditingOneValueRewritesOnlyItsLine) {
 
 TEST(Entities, StructuralEditsReadBackIndependently) {
   SKIP_WITHOUT_EZDXF();
-  const std::string path = corpus("LibreDWG__libredwg__example_2000.dxf");
-  if (!fs::exists(path)) GTEST_SKIP() << "corpus file missing";
-  OdDbDatabasePtr db = OdDbDatabase::readDxfFile(path);
+  OdDbDatabasePtr db = loadCorpus("LibreDWG__libredwg__example_2000.dxf");
+  if (!db) GTEST_SKIP() << "corpus file missing";
   OdDbPolylinePtr pl;
   OdDbMTextPtr turned;  // one whose direction vector sets its rotation
   for (uint64_t h = 1; h < db->handseed().value(); ++h) {
@@ -302,12 +271,12 @@ TEST(Entities, StructuralEditsReadBackIndependently) {
   pl->setConstantWidth(0.5);
   turned->setRotation(1.0);
 
-  fs::path file = fs::path(::testing::TempDir()) / ("edited_" + std::to_string(std::random_device()()) + ".dxf");
-  db->writeDxfFile(file.string());
+  const std::string file = tempPath("edited.dxf");
+  db->writeDxfFile(file);
   const OdDbEntity* edited[] = {pl.get(), turned.get()};
   size_t found = 0;
-  auto dumped = dump({file.string()}, false);
-  for (auto& [handle, theirs] : dumped[file.string()])
+  auto dumped = dump({file}, false);
+  for (auto& [handle, theirs] : dumped[file])
     for (const OdDbEntity* e : edited)
       if (handle == e->getDbHandle().ascii().toUtf8()) {
         expectSame(describe(e), theirs, "ezdxf " + get(theirs, "type"));
@@ -467,14 +436,13 @@ TEST_P(NewEntities, SaveReloadAndReadIndependentlyAsSet) {
   }
 
   if (!haveEzdxf()) GTEST_SKIP() << "/usr/bin/python3 with ezdxf is not available";
-  fs::path file = fs::path(::testing::TempDir()) /
-                  ("new_entities_" + std::string(dxfver::keyword(version)) + "_" + std::to_string(std::random_device()()) + ".dxf");
+  const std::string file = tempPath("new_entities.dxf");
   std::ofstream(file, std::ios::binary) << bytes;
   int status = -1;
   std::string messages;
   size_t found = 0;
-  auto dumped = dump({file.string()}, true, &status, &messages);
-  for (auto& [handle, theirs] : dumped[file.string()]) {
+  auto dumped = dump({file}, true, &status, &messages);
+  for (auto& [handle, theirs] : dumped[file]) {
     auto it = set.find(handle);
     if (it == set.end()) continue;
     ++found;

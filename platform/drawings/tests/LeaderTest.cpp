@@ -8,6 +8,7 @@
 #include <cmath>
 #include <numbers>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "drawings/LeaderGeometry.h"
@@ -225,15 +226,12 @@ TEST(LeaderDrawing, ArrowheadsAreTheirBlocksAtTheTip) {
 
 TEST(LeaderDrawing, NoArrowheadWhenOffOrTooShort) {
   Scene s({{0, 0, 0}, {1, 0, 0}, {5, 3, 0}}, {20, 10, 0}, OdDbMText::kMiddleLeft);
-  s.leader->setDimasz(0.9);
-  EXPECT_EQ(drawOne(*s.leader).items().size(), 2u);  // path and arrowhead
-  s.leader->setDimasz(1.1);                           // longer than the first segment
-  EXPECT_EQ(drawOne(*s.leader).items().size(), 1u);
-  s.leader->setDimasz(0.9);
-  s.leader->setDimscale(2.0);  // 1.8: too long again
-  EXPECT_EQ(drawOne(*s.leader).items().size(), 1u);
-  s.leader->setDimscale(0.0);  // counts as 1
-  EXPECT_EQ(drawOne(*s.leader).items().size(), 2u);
+  // Path and arrowhead, unless DIMASZ x DIMSCALE (0 counting as 1) outgrows the first segment.
+  for (auto [asz, scale, items] : {std::tuple{0.9, 1.0, 2u}, {1.1, 1.0, 1u}, {0.9, 2.0, 1u}, {0.9, 0.0, 2u}}) {
+    s.leader->setDimasz(asz);
+    s.leader->setDimscale(scale);
+    EXPECT_EQ(drawOne(*s.leader).items().size(), items) << asz << " x " << scale;
+  }
   s.leader->disableArrowHead();
   EXPECT_EQ(drawOne(*s.leader).items().size(), 1u);
 
@@ -253,17 +251,16 @@ TEST(LeaderDrawing, ColourAndLineweightFromTheStyle) {
     const OdGiRecorder r = drawOne(*s.leader);
     return std::visit([](const auto& p) { return p.traits; }, r.items().at(i));
   };
-  // ByBlock (the default) shows the leader's own, for path and arrowhead alike.
-  EXPECT_EQ(traitsOf(0).color, OdGiColor::fromAci(3));
-  EXPECT_EQ(traitsOf(1).color, OdGiColor::fromAci(3));
-  EXPECT_EQ(traitsOf(0).lineWeight, 50);
-  OdCmColor red;
-  red.setColorIndex(1);
-  s.leader->setDimclrd(red);
+  auto expectTraits = [&](int aci, int lineWeight) {
+    for (size_t i : {0, 1}) {  // the path and the arrowhead
+      EXPECT_EQ(traitsOf(i).color, OdGiColor::fromAci(aci)) << i;
+      EXPECT_EQ(traitsOf(i).lineWeight, lineWeight) << i;
+    }
+  };
+  expectTraits(3, 50);  // ByBlock, the default, shows the leader's own
+  s.leader->setDimclrd(OdCmColor::fromDxf(1));
   s.leader->setDimlwd(OdDb::kLnWt030);
-  EXPECT_EQ(traitsOf(0).color, OdGiColor::fromAci(1));
-  EXPECT_EQ(traitsOf(1).color, OdGiColor::fromAci(1));
-  EXPECT_EQ(traitsOf(1).lineWeight, 30);
+  expectTraits(1, 30);
   // Arrow blocks draw ByBlock: the style's colour reaches their entities.
   s.leader->setDimldrblk(OdDmUtil::getArrowId(L"_Open", s.db.get()));
   const OdGiRecorder r = drawOne(*s.leader);

@@ -4,33 +4,24 @@
 // still write back byte for byte.
 #include "drawings/OdDbDatabase.h"
 
+#include "TestSupport.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <fstream>
 #include <functional>
-#include <sstream>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 namespace {
 
-#ifndef CORPUS_DIR
-#define CORPUS_DIR "/work/shared/corpus"
-#endif
-
 const char* const kAscii2000 = CORPUS_DIR "/LibreDWG__libredwg__example_2000.dxf";  // CRLF, padded codes
 const char* const kAsciiR12 = CORPUS_DIR "/LibreDWG__libredwg__example_r12.dxf";    // LF
 const char* const kBinary2000 = CORPUS_DIR "/DomCR__ACadSharp__sample_AC1015_binary.dxf";
 
-std::string slurp(const char* path) {
-  std::ifstream in(path, std::ios::binary);
-  if (!in) throw std::runtime_error(std::string("cannot open ") + path);
-  std::ostringstream s;
-  s << in.rdbuf();
-  return s.str();
-}
+using testsupport::slurp;
 
 std::string_view trim(std::string_view s) {
   while (!s.empty() && (s.front() == ' ' || s.front() == '\t')) s.remove_prefix(1);
@@ -61,16 +52,11 @@ struct Lines {
   }
   int code(size_t i) const { return std::stoi(std::string(trim(l.at(i)))); }
   std::string_view value(size_t i) const { return trim(l.at(i + 1)); }
-  // Index of the first tag at or after `from` with this code and value.
-  size_t find(int c, std::string_view v, size_t from = 0) const {
+  // Index of the first tag at or after `from` with this code (and value, when given).
+  size_t find(int c, std::optional<std::string_view> v, size_t from = 0) const {
     for (size_t i = from + (from & 1); i + 1 < l.size(); i += 2)
-      if (code(i) == c && value(i) == v) return i;
-    throw std::logic_error("tag " + std::to_string(c) + " " + std::string(v) + " not in the file");
-  }
-  size_t findCode(int c, size_t from) const {
-    for (size_t i = from + (from & 1); i + 1 < l.size(); i += 2)
-      if (code(i) == c) return i;
-    throw std::logic_error("group code " + std::to_string(c) + " not in the file");
+      if (code(i) == c && (!v || value(i) == *v)) return i;
+    throw std::logic_error("tag " + std::to_string(c) + " " + std::string(v.value_or("")) + " not in the file");
   }
   // Index of the last tag with this code and value before `before`.
   size_t findLast(int c, std::string_view v, size_t before) const {
@@ -87,7 +73,7 @@ struct Lines {
     throw std::logic_error("group code " + std::to_string(c) + " not in the chunk at line " + std::to_string(chunk + 1));
   }
   // The 0 tag that starts the chunk after the one at `i`.
-  size_t nextChunk(size_t i) const { return findCode(0, i + 2); }
+  size_t nextChunk(size_t i) const { return find(0, {}, i + 2); }
   void setValue(size_t i, const std::string& v) { l.at(i + 1) = v + eol; }
   void erase(size_t from, size_t to) { l.erase(l.begin() + from, l.begin() + to); }
   void insert(size_t at, const std::vector<const char*>& lines) {
@@ -132,7 +118,7 @@ struct AsciiCase {
 // The first group code line after `section` starts replaced by `line`.
 AsciiCase badCode(const char* section, int code, std::string line, std::vector<std::string> says) {
   return {"group code line \"" + line + "\" in " + section, [=](Lines f) {
-            size_t i = f.findCode(code, f.section(section));
+            size_t i = f.find(code, {}, f.section(section));
             f.l[i] = line + f.eol;
             return Broken{f.join(), lineNo(i), says};
           }};
@@ -141,7 +127,7 @@ AsciiCase badCode(const char* section, int code, std::string line, std::vector<s
 // The value of the first tag with `code` after `section` starts replaced by `value`.
 AsciiCase badValue(const char* section, int code, std::string value, std::string expected) {
   return {"value \"" + value + "\" for code " + std::to_string(code) + " in " + section, [=](Lines f) {
-            size_t i = f.findCode(code, f.section(section));
+            size_t i = f.find(code, {}, f.section(section));
             f.setValue(i, value);
             return Broken{f.join(), lineNo(i + 1),
                           {"group code " + std::to_string(code), "expected " + expected + ", found \"" + value + "\""}};
@@ -154,6 +140,14 @@ AsciiCase noEndsec(const char* section, std::vector<std::string> says) {
             size_t i = f.find(0, "ENDSEC", f.section(section));
             f.erase(i, i + 2);
             return Broken{f.join(), lineNo(i), says};
+          }};
+}
+
+// The file cut before its first 0/`end`: what that tag closes is still open.
+AsciiCase cutBefore(const char* end) {
+  return {std::string("file ends before ") + end, [=](Lines f) {
+            size_t i = f.find(0, end);
+            return Broken{f.join(i), lineNo(i), {std::string("expected 0/") + end, "end of the file"}};
           }};
 }
 
@@ -172,41 +166,27 @@ const std::vector<AsciiCase>& asciiCases() {
   static const std::vector<AsciiCase> cases = {
       {"value line cut short at the end",
        [](Lines f) {
-         size_t i = f.findCode(10, f.section("ENTITIES"));
+         size_t i = f.find(10, {}, f.section("ENTITIES"));
          return Broken{f.join(i + 1) + f.l[i + 1].substr(0, 2), lineNo(i + 1),
                        {"group code 10", "expected a value line ended by a line break"}};
        }},
       {"code line cut short at the end",
        [](Lines f) {
-         size_t i = f.findCode(10, f.section("ENTITIES"));
+         size_t i = f.find(10, {}, f.section("ENTITIES"));
          return Broken{f.join(i) + std::string(trim(f.l[i]).substr(0, 1)), lineNo(i),
                        {"expected a group code line ended by a line break"}};
        }},
       {"file ends after a code line",
        [](Lines f) {
-         size_t i = f.findCode(10, f.section("ENTITIES"));
+         size_t i = f.find(10, {}, f.section("ENTITIES"));
          return Broken{f.join(i + 1), lineNo(i + 1), {"group code 10", "expected a value line"}};
        }},
       {"file ends inside an entity",
        [](Lines f) {
-         size_t i = f.findCode(10, f.section("ENTITIES"));
+         size_t i = f.find(10, {}, f.section("ENTITIES"));
          return Broken{f.join(i + 2), lineNo(i + 2), {"expected 0/ENDSEC", "end of the file"}};
        }},
-      {"file ends inside a table",
-       [](Lines f) {
-         size_t i = f.find(0, "ENDTAB");
-         return Broken{f.join(i), lineNo(i), {"expected 0/ENDTAB", "end of the file"}};
-       }},
-      {"file ends inside a block",
-       [](Lines f) {
-         size_t i = f.find(0, "ENDBLK");
-         return Broken{f.join(i), lineNo(i), {"expected 0/ENDBLK", "end of the file"}};
-       }},
-      {"no EOF",
-       [](Lines f) {
-         size_t i = f.find(0, "EOF");
-         return Broken{f.join(i), lineNo(i), {"expected 0/EOF", "end of the file"}};
-       }},
+      cutBefore("ENDTAB"), cutBefore("ENDBLK"), cutBefore("EOF"),
       badCode("ENTITIES", 10, "1O", {"expected a group code (an integer), found \"1O\""}),
       badCode("ENTITIES", 8, "", {"expected a group code (an integer), found \"\""}),
       badCode("BLOCKS", 8, "8 x", {"found \"8 x\""}),

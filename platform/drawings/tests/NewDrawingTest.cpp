@@ -2,13 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include "TestSupport.h"
+
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <map>
 #include <optional>
-#include <random>
 #include <set>
 #include <sstream>
 #include <string>
@@ -23,10 +23,7 @@ using V = DxfVersion;
 
 // ---- A small, strict reader for what the generator writes -----------------
 
-struct Tag {
-  int code;
-  std::string value;
-};
+struct Tag { int code; std::string value; };
 
 struct Record {  // one "0 <type>" group outside the HEADER
   std::string section;
@@ -110,10 +107,7 @@ Parsed parse(const std::string& text) {
   return p;
 }
 
-struct Case {
-  DxfVersion version;
-  bool metric;
-};
+struct Case { DxfVersion version; bool metric; };
 
 std::string caseName(const Case& c) {
   return std::string(dxfver::keyword(c.version)) + (c.metric ? "_metric" : "_imperial");
@@ -402,37 +396,18 @@ INSTANTIATE_TEST_SUITE_P(AllVersions, NewDrawingStructure, ::testing::ValuesIn(a
 
 // ---- An independent reader --------------------------------------------------
 
-std::filesystem::path checkerScript() {
-#ifdef TESTS_DIR
-  return std::filesystem::path(TESTS_DIR) / "check_new_drawings.py";
-#else
-  return std::filesystem::path(__FILE__).parent_path() / "check_new_drawings.py";
-#endif
-}
-
 TEST(NewDrawingTest, EzdxfOpensAndAuditsEveryVariantCleanly) {
-  if (std::system("/usr/bin/python3 -c 'import ezdxf' >/dev/null 2>&1") != 0)
-    GTEST_SKIP() << "/usr/bin/python3 with ezdxf is not available";
-  const std::filesystem::path script = checkerScript();
-  ASSERT_TRUE(std::filesystem::exists(script)) << script;
-
-  std::random_device seed;
-  const std::filesystem::path dir =
-      std::filesystem::path(::testing::TempDir()) / ("new_drawings_" + std::to_string(seed()));
-  std::filesystem::create_directories(dir);
-  std::string command = "/usr/bin/python3 '" + script.string() + "' --strict";
+  if (!testsupport::haveEzdxf()) GTEST_SKIP() << "/usr/bin/python3 with ezdxf is not available";
+  std::vector<std::string> files{"--strict"};
   for (const Case& c : allCases()) {
-    std::filesystem::path file = dir / (caseName(c) + ".dxf");
-    std::ofstream(file, std::ios::binary) << newDrawingDxf(c.version, c.metric);
-    command += " '" + file.string() + "'";
+    files.push_back(testsupport::tempPath(caseName(c) + ".dxf"));
+    std::ofstream(files.back(), std::ios::binary) << newDrawingDxf(c.version, c.metric);
   }
-  const std::filesystem::path log = dir / "check.log";
-  int status = std::system((command + " >'" + log.string() + "' 2>&1").c_str());
-  std::ifstream in(log);
-  std::string output((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-  EXPECT_EQ(status, 0) << output;
+  const testsupport::ScriptRun run = testsupport::runScript("check_new_drawings.py", files);
+  const std::string output = run.out + run.err;
+  EXPECT_EQ(run.status, 0) << output;
   EXPECT_EQ(std::count(output.begin(), output.end(), '\n'), static_cast<long>(allCases().size())) << output;
-  std::filesystem::remove_all(dir);
+  for (size_t i = 1; i < files.size(); ++i) std::filesystem::remove(files[i]);
 }
 
 }  // namespace

@@ -10,12 +10,7 @@ namespace {
 
 using OdDbSymUtil::validateSymbolName;
 
-struct NameCase {
-  std::wstring name;
-  bool extended;
-  bool allowBar;
-  bool valid;
-};
+struct NameCase { std::wstring name; bool extended; bool allowBar; bool valid; };
 
 std::string describe(const NameCase& c) {
   return "\"" + OdString(c.name).toUtf8() + "\" " + (c.extended ? "extended" : "R12-style") +
@@ -24,39 +19,24 @@ std::string describe(const NameCase& c) {
 
 TEST(SymUtilTest, NameRulesOfBothKinds) {
   const NameCase cases[] = {
-      // extended names
-      {L"Dimensions 2.5 (ISO)", true, false, true},
-      {L"Standard$2", true, false, true},
-      {L"#@!.{}[]~+%&'^-_$", true, false, true},  // punctuation outside the forbidden 13
-      {L"Размеры Ü", true, false, true},
-      {L"a  b", true, false, true},  // inner spaces are fine
-      {L"", true, false, false},
-      {L"   ", true, false, false},
-      {L" a", true, false, false},
-      {L"a ", true, false, false},
-      {L"\u00A0a", true, false, false},
-      {L"*D12", true, false, false},
-      {L"*Model_Space", true, false, false},
-      {std::wstring(255, L'x'), true, false, true},
-      {std::wstring(256, L'x'), true, false, false},
+      // extended names; punctuation outside the forbidden 13 and inner spaces are fine
+      {L"Dimensions 2.5 (ISO)", true, false, true}, {L"Standard$2", true, false, true},
+      {L"#@!.{}[]~+%&'^-_$", true, false, true},    {L"Размеры Ü", true, false, true},
+      {L"a  b", true, false, true},                 {L"", true, false, false},
+      {L"   ", true, false, false},                 {L" a", true, false, false},
+      {L"a ", true, false, false},                  {L"\u00A0a", true, false, false},
+      {L"*D12", true, false, false},                {L"*Model_Space", true, false, false},
+      {std::wstring(255, L'x'), true, false, true}, {std::wstring(256, L'x'), true, false, false},
       {std::wstring(255, L'\u044F'), true, false, true},  // characters, not bytes
       // vertical bar: dependent names only, between two parts
-      {L"xref|Layer", true, true, true},
-      {L"xref|Layer", true, false, false},
-      {L"|Layer", true, true, false},
-      {L"xref|", true, true, false},
-      {L"xref||Layer", true, true, false},
-      {L"XREF|LAYER", false, true, true},
+      {L"xref|Layer", true, true, true},   {L"xref|Layer", true, false, false}, {L"|Layer", true, true, false},
+      {L"xref|", true, true, false},       {L"xref||Layer", true, true, false}, {L"XREF|LAYER", false, true, true},
       {L"XREF|LAYER", false, false, false},
-      // R12-style names
-      {L"LAYER_1-$", false, false, true},
-      {L"layer", false, false, true},  // folded to upper case when stored
-      {std::wstring(31, L'A'), false, false, true},
-      {std::wstring(32, L'A'), false, false, false},
-      {L"", false, false, false},
-      {L"A B", false, false, false},
-      {L"\u00C4", false, false, false},
-      {L"\u0416", false, false, false},
+      // R12-style names ("layer" is folded to upper case when stored)
+      {L"LAYER_1-$", false, false, true},  {L"layer", false, false, true},
+      {std::wstring(31, L'A'), false, false, true}, {std::wstring(32, L'A'), false, false, false},
+      {L"", false, false, false},          {L"A B", false, false, false},
+      {L"\u00C4", false, false, false},    {L"\u0416", false, false, false},
   };
   for (const NameCase& c : cases)
     EXPECT_EQ(validateSymbolName(c.name, c.allowBar, c.extended), c.valid ? eOk : eInvalidSymbolTableName)

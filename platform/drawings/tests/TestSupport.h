@@ -1,13 +1,19 @@
 // Helpers shared by the drawing database's tests.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <cctype>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
+#include <random>
 #include <sstream>
 #include <string>
 #include <vector>
+
+#include "drawings/OdDbDatabase.h"
 
 namespace testsupport {
 
@@ -22,6 +28,52 @@ inline std::string slurp(const std::string& path) {
   s << in.rdbuf();
   return s.str();
 }
+
+// A drawing of the corpus; null when the corpus does not hold it.
+inline OdDbDatabasePtr loadCorpus(const char* name) {
+  const std::string path = corpus(name);
+  return std::filesystem::exists(path) ? OdDbDatabase::readDxfFile(path) : OdDbDatabasePtr();
+}
+
+// A path in the test's temporary folder that no other run uses, ending in `suffix`.
+inline std::string tempPath(const std::string& suffix) {
+  return (std::filesystem::path(::testing::TempDir()) / (std::to_string(std::random_device()()) + suffix)).string();
+}
+
+// Runs one of the tests' checker scripts with the system interpreter.
+struct ScriptRun {
+  int status;
+  std::string out, err;  // what it printed, and what it complained of
+};
+inline ScriptRun runScript(const char* script, const std::vector<std::string>& args) {
+  const std::string out = tempPath("script.out"), err = tempPath("script.err");
+  std::string command = std::string("/usr/bin/python3 '" TESTS_DIR "/") + script + "'";
+  for (const std::string& a : args) command += " '" + a + "'";
+  const int status = std::system((command + " >'" + out + "' 2>'" + err + "'").c_str());
+  ScriptRun run{status, slurp(out), slurp(err)};
+  std::filesystem::remove(out);
+  std::filesystem::remove(err);
+  return run;
+}
+
+// A layer record with its tags as a file of db's version spells them.
+inline OdDbObjectId addLayer(OdDbDatabase& db, const OdString& name, int color) {
+  auto layers = odOpen<OdDbSymbolTable>(db.getLayerTableId(), OdDb::kForWrite);
+  OdSmartPtr<OdDbLayerTableRecord> rec = OdDbLayerTableRecord::createObject();
+  rec->setDxfName("LAYER");
+  db.addOdDbObject(rec.get(), layers->objectId());
+  DxfTagList& t = rec->tagsForWrite();
+  if (db.version() > DxfVersion::R12) {
+    t.emplace_back(100, "AcDbSymbolTableRecord");
+    t.emplace_back(100, "AcDbLayerTableRecord");
+  }
+  t.emplace_back(2, rec->encodeText(name));
+  t.emplace_back(70, "0");
+  t.emplace_back(62, std::to_string(color));
+  t.emplace_back(6, "CONTINUOUS");
+  return layers->add(rec.get());
+}
+
 
 inline std::vector<std::string> lines(const std::string& s) {
   std::vector<std::string> out;

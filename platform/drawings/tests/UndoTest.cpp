@@ -4,35 +4,16 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <filesystem>
 #include <random>
 
+#include "TestSupport.h"
 #include "drawings/OdDbDatabase.h"
 
 namespace {
 
-OdDbDatabasePtr load(const char* name) {
-  std::string path = std::string(CORPUS_DIR) + "/" + name;
-  if (!std::filesystem::exists(path)) return OdDbDatabasePtr();
-  return OdDbDatabase::readDxfFile(path);
-}
+using testsupport::loadCorpus;
 
-OdDbObjectId addLayer(OdDbDatabase& db, const OdString& name) {
-  auto layers = odOpen<OdDbSymbolTable>(db.getLayerTableId(), OdDb::kForWrite);
-  OdSmartPtr<OdDbLayerTableRecord> rec = OdDbLayerTableRecord::createObject();
-  rec->setDxfName("LAYER");
-  db.addOdDbObject(rec.get(), layers->objectId());
-  DxfTagList& t = rec->tagsForWrite();
-  if (db.version() > DxfVersion::R12) {
-    t.emplace_back(100, "AcDbSymbolTableRecord");
-    t.emplace_back(100, "AcDbLayerTableRecord");
-  }
-  t.emplace_back(2, rec->encodeText(name));
-  t.emplace_back(70, "0");
-  t.emplace_back(62, "3");
-  t.emplace_back(6, "CONTINUOUS");
-  return layers->add(rec.get());
-}
+OdDbObjectId addLayer(OdDbDatabase& db, const OdString& name) { return testsupport::addLayer(db, name, 3); }
 
 OdDbObjectId addPoint(OdDbDatabase& db, double x) {
   auto ms = odOpen<OdDbBlockTableRecord>(db.getModelSpaceId(), OdDb::kForWrite);
@@ -114,7 +95,7 @@ TEST(Undo, RandomStepsSaveTheBytesOfTheirTime) {
   for (const char* name : {"LibreDWG__libredwg__example_2000.dxf", "LibreDWG__libredwg__example_r12.dxf",
                            "DomCR__ACadSharp__sample_AC1015_binary.dxf"}) {
     for (uint32_t seed : {1u, 7u, 2024u}) {
-      OdDbDatabasePtr db = load(name);
+      OdDbDatabasePtr db = loadCorpus(name);
       if (!db) GTEST_SKIP() << "corpus file missing: " << name;
       std::mt19937 rng(seed);
       // states[k]: the bytes after k steps; `at` is where undo and redo stand.
@@ -154,7 +135,7 @@ TEST(Undo, RandomStepsSaveTheBytesOfTheirTime) {
 }
 
 TEST(Undo, AddedObjectsDisappearAndComeBack) {
-  OdDbDatabasePtr db = load("LibreDWG__libredwg__example_2000.dxf");
+  OdDbDatabasePtr db = loadCorpus("LibreDWG__libredwg__example_2000.dxf");
   if (!db) GTEST_SKIP();
   auto layers = odOpen<OdDbSymbolTable>(db->getLayerTableId());
   OdDbObjectId renamed = layers->getAt(L"0");

@@ -7,7 +7,6 @@
 
 #include <cmath>
 #include <filesystem>
-#include <iostream>
 #include <numbers>
 #include <set>
 
@@ -26,10 +25,7 @@ struct UnitMeasure : OdGiTextMeasure {
   double lineWidth(const OdString& line, double height) const override { return line.getLength() * height; }
 };
 
-struct Drawn {
-  OdGiRecorder primitives;
-  OdGiVectorizeStats stats;
-};
+struct Drawn { OdGiRecorder primitives; OdGiVectorizeStats stats; };
 
 Drawn draw(const OdDbDatabase& db, OdDbObjectId block = OdDbObjectId()) {
   static const UnitMeasure measure;
@@ -46,22 +42,7 @@ OdDbBlockTableRecordPtr modelSpace(OdDbDatabase& db) {
 
 OdDbBlockTableRecordPtr openBlock(OdDbObjectId id) { return odOpen<OdDbBlockTableRecord>(id, OdDb::kForWrite); }
 
-OdDbObjectId addLayer(OdDbDatabase& db, const OdString& name, int color) {
-  auto layers = odOpen<OdDbSymbolTable>(db.getLayerTableId(), OdDb::kForWrite);
-  OdSmartPtr<OdDbLayerTableRecord> rec = OdDbLayerTableRecord::createObject();
-  rec->setDxfName("LAYER");
-  db.addOdDbObject(rec.get(), layers->objectId());
-  DxfTagList& t = rec->tagsForWrite();
-  if (db.version() > DxfVersion::R12) {
-    t.emplace_back(100, "AcDbSymbolTableRecord");
-    t.emplace_back(100, "AcDbLayerTableRecord");
-  }
-  t.emplace_back(2, rec->encodeText(name));
-  t.emplace_back(70, "0");
-  t.emplace_back(62, std::to_string(color));
-  t.emplace_back(6, "CONTINUOUS");
-  return layers->add(rec.get());
-}
+using testsupport::addLayer;
 
 OdDbLinePtr newLine(OdDbDatabase& db, OdGePoint3d a, OdGePoint3d b) {
   auto l = OdDbLine::createFor(db);
@@ -216,12 +197,7 @@ TEST(Vectorizer, BlockReferencesPlaceTheirBlock) {
       {"stretched: circles become ellipses", {0, 50, 0}, {2, 3, 1}, 0, {0, 50}, {2, 50}, kNo, kNo},
   };
   for (const Case& c : cases) {
-    auto ref = OdDbBlockReference::createFor(*db);
-    ref->setBlockTableRecord(b);
-    ref->setPosition(c.at);
-    ref->setScaleFactors(c.scale);
-    ref->setRotation(c.rotation);
-    OdDbObjectId id = ms->appendOdDbEntity(ref.get());
+    OdDbObjectId id = insert(*db, *ms, b, c.at, c.scale, c.rotation);
     Drawn d = draw(*db);
     odOpen<OdDbEntity>(id, OdDb::kForWrite)->erase();
     auto lines = d.primitives.all<OdGiLine>();
@@ -302,12 +278,7 @@ TEST(Vectorizer, ColoursComeFromLayersAndReferences) {
   const OdGiColor red = OdGiColor::fromAci(1), green = OdGiColor::fromAci(3), blue = OdGiColor::fromAci(5);
   std::map<std::pair<double, double>, OdGiTraits> at;  // by start point
   for (const auto& l : d.primitives.all<OdGiLine>()) at[{l.start.x, l.start.y}] = l.traits;
-  struct Want {
-    double x, y;
-    OdGiColor color;
-    int lineWeight;
-    const char* what;
-  };
+  struct Want { double x, y; OdGiColor color; int lineWeight; const char* what; };
   const Want wants[] = {
       {0, 0, green, 50, "ByBlock takes the reference's colour and lineweight"},
       {0, 1, red, 25, "layer 0 inside a reference takes the reference's layer"},
@@ -474,13 +445,8 @@ TEST(Vectorizer, EverySampleDrawingDraws) {
     const std::string name = entry.path().filename().string();
     OdDbDatabasePtr db = OdDbDatabase::readDxfFile(entry.path().string());
     Drawn d = draw(*db);
-    std::string skipped;
-    for (const auto& [type, count] : d.stats.skipped) {
-      skipped += " " + type + " " + std::to_string(count);
+    for (const auto& [type, count] : d.stats.skipped)
       EXPECT_FALSE(drawnTypes.count(type) || type.ends_with("(unreadable)")) << name << ": " << type;
-    }
-    std::cout << name << ": " << d.stats.drawn << " drawn, " << d.stats.hidden << " hidden, "
-              << d.primitives.items().size() << " primitives;" << skipped << "\n";
     bool finite = true;
     for (const auto& item : d.primitives.items())
       std::visit([&](const auto& p) {

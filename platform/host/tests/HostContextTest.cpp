@@ -25,25 +25,25 @@ struct Console {
     OdDbDatabasePtr db = OdDbDatabase::createNew();
     docs.addDocument(std::make_unique<HostApDocument>(db));
     auto ms = odOpen<OdDbBlockTableRecord>(db->getModelSpaceId(), OdDb::kForWrite);
-    auto line = OdDbLine::createFor(*db);
-    line->setStartPoint({0, 0, 0});
-    line->setEndPoint({10, 0, 0});
-    this->line = ms->appendOdDbEntity(line.get());
-    auto text = OdDbText::createFor(*db);
-    text->setPosition({20, 20, 0});
-    this->text = ms->appendOdDbEntity(text.get());
-    auto dim = OdDbRotatedDimension::createFor(*db);
-    dim->setTextPosition({50, 10, 0});
-    dim->setDimLinePoint({50, 5, 0});
-    this->dim = ms->appendOdDbEntity(dim.get());
-    auto leader = OdDbLeader::createFor(*db);
-    leader->appendVertex({100, 100, 0});
-    leader->appendVertex({105, 105, 0});
-    this->leader = ms->appendOdDbEntity(leader.get());
-    auto circle = OdDbCircle::createFor(*db);
-    circle->setCenter({0, 50, 0});
-    circle->setRadius(5);
-    this->circle = ms->appendOdDbEntity(circle.get());
+    auto add = [&](auto e) { return ms->appendOdDbEntity(e.get()); };
+    auto l = OdDbLine::createFor(*db);
+    l->setEndPoint({10, 0, 0});
+    line = add(l);
+    auto t = OdDbText::createFor(*db);
+    t->setPosition({20, 20, 0});
+    text = add(t);
+    auto d = OdDbRotatedDimension::createFor(*db);
+    d->setTextPosition({50, 10, 0});
+    d->setDimLinePoint({50, 5, 0});
+    dim = add(d);
+    auto ld = OdDbLeader::createFor(*db);
+    ld->appendVertex({100, 100, 0});
+    ld->appendVertex({105, 105, 0});
+    leader = add(ld);
+    auto ci = OdDbCircle::createFor(*db);
+    ci->setCenter({0, 50, 0});
+    ci->setRadius(5);
+    circle = add(ci);
   }
   OdDbDatabase& db() { return *docs.curDocument()->database(); }
   std::string handle(const OdDbObjectId& id) { return id.getHandle().ascii().toUtf8(); }
@@ -62,14 +62,11 @@ TEST(HostConsoleContext, KeywordPromptsTakeLocalGlobalAndShortFormsEnterAndCance
   Console c("st\n_apply\nx\n?\n\n\x1b\n", false);
   OdString r;
   const OdString prompt = L"Enter a dimension style option [%s]<Restore>:";
-  EXPECT_EQ(c.ctx.getKeyword(prompt, kOptions, r), kHostOk);
-  EXPECT_EQ(r, L"STatus");
-  EXPECT_EQ(c.ctx.getKeyword(prompt, kOptions, r), kHostOk);
-  EXPECT_EQ(r, L"Apply");
-  EXPECT_EQ(c.ctx.getKeyword(prompt, kOptions, r), kHostOk);  // "x" refused, then "?"
-  EXPECT_EQ(r, L"?");
-  EXPECT_EQ(c.ctx.getKeyword(prompt, kOptions, r), kHostNone);
-  EXPECT_TRUE(r.isEmpty());
+  // "x" is refused before "?"; Enter answers nothing.
+  for (auto [result, keyword] : {std::pair{kHostOk, L"STatus"}, {kHostOk, L"Apply"}, {kHostOk, L"?"}, {kHostNone, L""}}) {
+    EXPECT_EQ(c.ctx.getKeyword(prompt, kOptions, r), result);
+    EXPECT_EQ(r, keyword);
+  }
   EXPECT_EQ(c.ctx.getKeyword(prompt, kOptions, r), kHostAbort);
   EXPECT_EQ(c.ctx.getKeyword(prompt, kOptions, r), kHostAbort);  // end of input
   const std::string shown = "Enter a dimension style option [ANnotative/Save/Restore/STatus/Variables/Apply/?]<Restore>: ";
@@ -83,12 +80,10 @@ TEST(HostConsoleContext, LocalKeywordsOfAnotherScriptAndTheirGlobalForms) {
   Console c("_y\nн\ny\nДА\n", false);
   OdString r;
   const OdString yesNo = L"Да Нет *Yes *No";
-  EXPECT_EQ(c.ctx.getKeyword(L"Redefine? [%s]<Нет>:", yesNo, r), kHostOk);
-  EXPECT_EQ(r, L"Да");
-  EXPECT_EQ(c.ctx.getKeyword(L"Redefine? [%s]<Нет>:", yesNo, r), kHostOk);
-  EXPECT_EQ(r, L"Нет");
-  EXPECT_EQ(c.ctx.getKeyword(L"Redefine? [%s]<Нет>:", yesNo, r), kHostOk);  // "y" is refused
-  EXPECT_EQ(r, L"Да");
+  for (const wchar_t* keyword : {L"Да", L"Нет", L"Да"}) {  // "y" is refused before the last
+    EXPECT_EQ(c.ctx.getKeyword(L"Redefine? [%s]<Нет>:", yesNo, r), kHostOk);
+    EXPECT_EQ(r, keyword);
+  }
   EXPECT_NE(c.out.str().find("Redefine? [Да/Нет]<Нет>: y\nInvalid option keyword.\n"), std::string::npos);
 }
 
@@ -111,12 +106,11 @@ TEST(HostConsoleContext, PickingOneEntityByHandleOrNearestPoint) {
   Console c("");
   c.in.str("zz\n50,9\n" + c.handle(c.leader) + "\n-1,49\n\n\x1b\n");
   OdDbObjectId id;
-  EXPECT_EQ(c.ctx.getEntity(L"Select dimension", id), kHostOk);  // "zz" refused first
-  EXPECT_EQ(id, c.dim);
-  EXPECT_EQ(c.ctx.getEntity(L"Select dimension", id), kHostOk);
-  EXPECT_EQ(id, c.leader);
-  EXPECT_EQ(c.ctx.getEntity(L"Select dimension", id), kHostOk);  // nearest: a quadrant point of the circle
-  EXPECT_EQ(id, c.circle);
+  // "zz" is refused first; the last is nearest to a quadrant point of the circle.
+  for (const OdDbObjectId& picked : {c.dim, c.leader, c.circle}) {
+    EXPECT_EQ(c.ctx.getEntity(L"Select dimension", id), kHostOk);
+    EXPECT_EQ(id, picked);
+  }
   EXPECT_EQ(c.ctx.getEntity(L"Select dimension", id), kHostNone);
   EXPECT_TRUE(id.isNull());
   EXPECT_EQ(c.ctx.getEntity(L"Select dimension", id), kHostAbort);
@@ -129,11 +123,7 @@ TEST(HostConsoleContext, PickingOneEntityByHandleOrNearestPoint) {
 
 TEST(HostConsoleContext, WindowsSelectByAllOrAnyPoint) {
   Console c("");
-  struct Case {
-    OdGePoint2d a, b;
-    bool crossing;
-    std::vector<OdDbObjectId> expected;
-  } cases[] = {
+  struct Case { OdGePoint2d a, b; bool crossing; std::vector<OdDbObjectId> expected; } cases[] = {
       {{-1, -1}, {11, 1}, false, {c.line}},
       {{5, 1}, {-1, -1}, false, {}},  // half the line
       {{5, 1}, {-1, -1}, true, {c.line}},

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <map>
+#include <tuple>
 #include <sstream>
 
 #include "host/HostCommands.h"
@@ -132,26 +133,24 @@ TEST(HostSysVars, ReadAndSetThroughTheActiveDrawing) {
   EXPECT_EQ(hostGetVar(L"NOSUCHVAR", v), kHostInvalidArg);
   OdDbDatabasePtr db = OdDbDatabase::createNew();
   hostSetActiveDatabase(db.get());
-  EXPECT_EQ(hostGetVar(L"dimstyle", v), kHostOk);
-  EXPECT_EQ(std::get<OdString>(v), L"Standard");
-  EXPECT_EQ(hostSetVar(L"DIMSTYLE", OdString(L"Nope")), kHostInvalidArg);
-  EXPECT_EQ(hostSetVar(L"DIMSTYLE", 1), kHostInvalidArg);
-  EXPECT_EQ(hostSetVar(L"DIMSTYLE", OdString(L"STANDARD")), kHostOk);
-  EXPECT_EQ(hostSetVar(L"CMDACTIVE", 1), kHostFail);  // read-only
-  EXPECT_EQ(hostSetVar(L"CANNOSCALE", OdString(L"1:2")), kHostOk);
+  using Read = std::pair<const wchar_t*, HostVarValue>;
+  auto expectReads = [&](std::initializer_list<Read> reads) {
+    for (const auto& [name, value] : reads) {
+      EXPECT_EQ(hostGetVar(name, v), kHostOk);
+      EXPECT_EQ(v, value) << OdString(name).toUtf8();
+    }
+  };
+  expectReads({{L"dimstyle", OdString(L"Standard")}, {L"MEASUREMENT", 0}, {L"LWUNITS", 1} /* millimetres until set */});
+  // Values of the wrong type or range are refused; read-only variables fail.
+  const std::tuple<const wchar_t*, HostVarValue, HostResult> sets[] = {
+      {L"DIMSTYLE", OdString(L"Nope"), kHostInvalidArg}, {L"DIMSTYLE", 1, kHostInvalidArg},
+      {L"DIMSTYLE", OdString(L"STANDARD"), kHostOk},     {L"CMDACTIVE", 1, kHostFail},
+      {L"CANNOSCALE", OdString(L"1:2"), kHostOk},        {L"MEASUREMENT", 2, kHostInvalidArg},
+      {L"MEASUREMENT", 1, kHostOk},                      {L"LWUNITS", 0, kHostOk}};
+  for (const auto& [name, value, result] : sets) EXPECT_EQ(hostSetVar(name, value), result) << OdString(name).toUtf8();
   EXPECT_EQ(db->getCANNOSCALE(), L"1:2");
-  EXPECT_EQ(hostGetVar(L"CANNOSCALE", v), kHostOk);
-  EXPECT_EQ(std::get<OdString>(v), L"1:2");
-  EXPECT_EQ(hostGetVar(L"MEASUREMENT", v), kHostOk);
-  EXPECT_EQ(std::get<int>(v), 0);
-  EXPECT_EQ(hostSetVar(L"MEASUREMENT", 2), kHostInvalidArg);
-  EXPECT_EQ(hostSetVar(L"MEASUREMENT", 1), kHostOk);
   EXPECT_EQ(db->getMEASUREMENT(), 1);
-  EXPECT_EQ(hostGetVar(L"LWUNITS", v), kHostOk);
-  EXPECT_EQ(std::get<int>(v), 1);  // millimetres until set
-  EXPECT_EQ(hostSetVar(L"LWUNITS", 0), kHostOk);
-  hostGetVar(L"LWUNITS", v);
-  EXPECT_EQ(std::get<int>(v), 0);
+  expectReads({{L"CANNOSCALE", OdString(L"1:2")}, {L"MEASUREMENT", 1}, {L"LWUNITS", 0}});
   hostSetVar(L"LWUNITS", 1);
   hostSetActiveDatabase(nullptr);
 }

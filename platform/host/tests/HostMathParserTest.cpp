@@ -5,21 +5,12 @@
 namespace {
 
 TEST(HostMathParser, EvaluatesArithmetic) {
-  struct Case {
-    const wchar_t* expr;
-    double want;
-  };
+  struct Case { const wchar_t* expr; double want; };
   const Case cases[] = {
-      {L"2*3", 6},
-      {L"(1+2)/4", 0.75},
-      {L"sqrt(2)", 1.4142135623730951},
-      {L"pi/4", 0.7853981633974483},
+      {L"2*3", 6}, {L"(1+2)/4", 0.75}, {L"sqrt(2)", 1.4142135623730951}, {L"pi/4", 0.7853981633974483},
       {L"-3^2", -9},     // power binds tighter than unary minus
       {L"2^3^2", 512},   // and groups to the right
-      {L"1+2*3-4/2", 5},
-      {L" 7 ", 7},
-      {L"max(1, 5) + min(2, 3)", 7},
-      {L"1.5e2", 150},
+      {L"1+2*3-4/2", 5}, {L" 7 ", 7}, {L"max(1, 5) + min(2, 3)", 7}, {L"1.5e2", 150},
   };
   auto parser = hostMathParser();
   for (const auto& c : cases) {

@@ -17,11 +17,7 @@
 
 namespace {
 
-struct Element {
-  std::string name;
-  std::map<std::string, std::string> attributes;
-  std::string text;
-};
+struct Element { std::string name; std::map<std::string, std::string> attributes; std::string text; };
 
 // A strict reader of the XML the writer produces: nesting, quoting and character
 // references checked; elements in document order. Throws on anything malformed.
@@ -141,10 +137,7 @@ TEST(HostSvg, PrimitivesBecomeElementsOnAFlippedPage) {
 
   // Drawing y up, page y down: (0,0) is the bottom left corner inside the margin.
   const Element& line = first(svg, "line");
-  EXPECT_EQ(attr(line, "x1"), 20);
-  EXPECT_EQ(attr(line, "y1"), 120);
-  EXPECT_EQ(attr(line, "x2"), 120);
-  EXPECT_EQ(attr(line, "y2"), 20);
+  for (auto [name, value] : {std::pair{"x1", 20}, {"y1", 120}, {"x2", 120}, {"y2", 20}}) EXPECT_EQ(attr(line, name), value);
   EXPECT_EQ(line.attributes.at("stroke"), "#000000") << "colour 7 on white paper";
   EXPECT_EQ(attr(line, "stroke-width"), 0.94) << "0.25 mm";
 
@@ -210,9 +203,8 @@ TEST(HostSvg, RenderCommandWritesTheActiveDrawing) {
             std::string::npos)
       << transcript;
   EXPECT_NE(transcript.find("Cannot write the picture: cannot write " + bad + ".\n"), std::string::npos) << transcript;
-  std::ifstream file(path);
   std::stringstream bytes;
-  bytes << file.rdbuf();
+  bytes << std::ifstream(path).rdbuf();
   EXPECT_NO_THROW(parseXml(bytes.str()));
   std::filesystem::remove(path);
   // Enter takes the default: the drawing's name, ending in .svg.

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <tuple>
+#include <vector>
 
 #include "host/HostServices.h"
 
@@ -12,56 +14,27 @@ namespace {
 constexpr double kPi = 3.141592653589793;
 double rad(double deg) { return deg * kPi / 180.0; }
 
-struct ToText {
-  double value;
-  int unit, prec;
-  const wchar_t* want;
-};
+struct ToText { double value; int unit, prec; const wchar_t* want; };
 
 TEST(HostUnits, DistanceToTextInEveryUnit) {
   const ToText cases[] = {
       // scientific: mantissa rounded half away from zero, carry into the exponent
-      {15.5, 1, 4, L"1.5500E+01"},
-      {15.5, 1, 0, L"2E+01"},
-      {-0.00123, 1, 2, L"-1.23E-03"},
-      {9.996, 1, 2, L"1.00E+01"},
-      {123456, 1, 1, L"1.2E+05"},
-      {0, 1, 3, L"0.000E+00"},
+      {15.5, 1, 4, L"1.5500E+01"}, {15.5, 1, 0, L"2E+01"}, {-0.00123, 1, 2, L"-1.23E-03"}, {9.996, 1, 2, L"1.00E+01"},
+      {123456, 1, 1, L"1.2E+05"}, {0, 1, 3, L"0.000E+00"},
       // decimal: trailing zeros kept, no "-0"
-      {15.5, 2, 4, L"15.5000"},
-      {15.5, 2, 0, L"16"},
-      {-15.5, 2, 0, L"-16"},
-      {-0.00004, 2, 4, L"0.0000"},
+      {15.5, 2, 4, L"15.5000"}, {15.5, 2, 0, L"16"}, {-15.5, 2, 0, L"-16"}, {-0.00004, 2, 4, L"0.0000"},
       {1.005, 2, 2, L"1.01"},  // 1.005 * 100 is 100.49999999999999; rounds as written
-      {0.9999996, 2, 6, L"1.000000"},
-      {1234.5678, 2, 8, L"1234.56780000"},
+      {0.9999996, 2, 6, L"1.000000"}, {1234.5678, 2, 8, L"1234.56780000"},
       // engineering: zero feet and zero inches written out
-      {15.5, 3, 2, L"1'-3.50\""},
-      {6, 3, 0, L"0'-6\""},
-      {12, 3, 2, L"1'-0.00\""},
-      {11.999, 3, 2, L"1'-0.00\""},
-      {-15.5, 3, 1, L"-1'-3.5\""},
-      {150.25, 3, 2, L"12'-6.25\""},
-      {0, 3, 2, L"0'-0.00\""},
+      {15.5, 3, 2, L"1'-3.50\""}, {6, 3, 0, L"0'-6\""}, {12, 3, 2, L"1'-0.00\""}, {11.999, 3, 2, L"1'-0.00\""},
+      {-15.5, 3, 1, L"-1'-3.5\""}, {150.25, 3, 2, L"12'-6.25\""}, {0, 3, 2, L"0'-0.00\""},
       // architectural: fraction of 2^prec reduced
-      {15.5, 4, 2, L"1'-3 1/2\""},
-      {15.5, 4, 0, L"1'-4\""},
-      {11.999, 4, 2, L"1'-0\""},
-      {6, 4, 4, L"0'-6\""},
-      {0.5, 4, 3, L"0'-0 1/2\""},
-      {0.0625, 4, 4, L"0'-0 1/16\""},
-      {0.0625, 4, 3, L"0'-0 1/8\""},
-      {-27.75, 4, 2, L"-2'-3 3/4\""},
-      {12.375, 4, 8, L"1'-0 3/8\""},
-      {0, 4, 2, L"0'-0\""},
+      {15.5, 4, 2, L"1'-3 1/2\""}, {15.5, 4, 0, L"1'-4\""}, {11.999, 4, 2, L"1'-0\""}, {6, 4, 4, L"0'-6\""},
+      {0.5, 4, 3, L"0'-0 1/2\""}, {0.0625, 4, 4, L"0'-0 1/16\""}, {0.0625, 4, 3, L"0'-0 1/8\""},
+      {-27.75, 4, 2, L"-2'-3 3/4\""}, {12.375, 4, 8, L"1'-0 3/8\""}, {0, 4, 2, L"0'-0\""},
       // fractional
-      {15.5, 5, 2, L"15 1/2"},
-      {0.5, 5, 2, L"1/2"},
-      {-0.75, 5, 2, L"-3/4"},
-      {15, 5, 3, L"15"},
-      {2.999, 5, 3, L"3"},
-      {-0.01, 5, 2, L"0"},
-      {1.0 / 3.0, 5, 4, L"5/16"},
+      {15.5, 5, 2, L"15 1/2"}, {0.5, 5, 2, L"1/2"}, {-0.75, 5, 2, L"-3/4"}, {15, 5, 3, L"15"}, {2.999, 5, 3, L"3"},
+      {-0.01, 5, 2, L"0"}, {1.0 / 3.0, 5, 4, L"5/16"},
       // precision past 8 is held at 8
       {0.1, 2, 12, L"0.10000000"},
   };
@@ -76,41 +49,19 @@ TEST(HostUnits, AngleToTextInEveryUnit) {
   const double dms = 45.0 + 30.0 / 60 + 15.0 / 3600;  // 45d30'15"
   const ToText cases[] = {
       // decimal degrees, wrapped into [0, 360)
-      {45, 0, 0, L"45"},
-      {45.5, 0, 2, L"45.50"},
-      {-90, 0, 0, L"270"},
-      {730, 0, 1, L"10.0"},
+      {45, 0, 0, L"45"}, {45.5, 0, 2, L"45.50"}, {-90, 0, 0, L"270"}, {730, 0, 1, L"10.0"},
       {359.9999, 0, 2, L"0.00"},  // rounds to the full turn
       // degrees/minutes/seconds; the precision picks the smallest part
-      {dms, 1, 0, L"46d"},
-      {dms, 1, 2, L"45d30'"},
-      {dms, 1, 4, L"45d30'15\""},
-      {dms, 1, 6, L"45d30'15.00\""},
-      {10 + 15.0 / 60 + 7.5 / 3600, 1, 5, L"10d15'7.5\""},
-      {59 + 59.0 / 60 + 59.9 / 3600, 1, 4, L"60d0'0\""},
-      {45, 1, 4, L"45d0'0\""},
-      {-45, 1, 2, L"315d0'"},
+      {dms, 1, 0, L"46d"}, {dms, 1, 2, L"45d30'"}, {dms, 1, 4, L"45d30'15\""}, {dms, 1, 6, L"45d30'15.00\""},
+      {10 + 15.0 / 60 + 7.5 / 3600, 1, 5, L"10d15'7.5\""}, {59 + 59.0 / 60 + 59.9 / 3600, 1, 4, L"60d0'0\""},
+      {45, 1, 4, L"45d0'0\""}, {-45, 1, 2, L"315d0'"},
       // grads and radians
-      {45, 2, 4, L"50.0000g"},
-      {90, 2, 0, L"100g"},
-      {-45, 2, 1, L"350.0g"},
-      {45, 3, 4, L"0.7854r"},
-      {180, 3, 2, L"3.14r"},
-      {-1e-7, 3, 3, L"0.000r"},
-      {360, 3, 0, L"0r"},
+      {45, 2, 4, L"50.0000g"}, {90, 2, 0, L"100g"}, {-45, 2, 1, L"350.0g"}, {45, 3, 4, L"0.7854r"},
+      {180, 3, 2, L"3.14r"}, {-1e-7, 3, 3, L"0.000r"}, {360, 3, 0, L"0r"},
       // surveyor's units: bearings from north or south toward east or west
-      {45, 4, 4, L"N 45d0'0\" E"},
-      {45, 4, 0, L"N 45d E"},
-      {0, 4, 2, L"E"},
-      {90, 4, 2, L"N"},
-      {180, 4, 2, L"W"},
-      {270, 4, 2, L"S"},
-      {120, 4, 2, L"N 30d0' W"},
-      {200, 4, 0, L"S 70d W"},
-      {300, 4, 3, L"S 30d0'0\" E"},
-      {30.5, 4, 2, L"N 59d30' E"},
-      {89.9999, 4, 2, L"N"},
-      {-45, 4, 0, L"S 45d E"},
+      {45, 4, 4, L"N 45d0'0\" E"}, {45, 4, 0, L"N 45d E"}, {0, 4, 2, L"E"}, {90, 4, 2, L"N"}, {180, 4, 2, L"W"},
+      {270, 4, 2, L"S"}, {120, 4, 2, L"N 30d0' W"}, {200, 4, 0, L"S 70d W"}, {300, 4, 3, L"S 30d0'0\" E"},
+      {30.5, 4, 2, L"N 59d30' E"}, {89.9999, 4, 2, L"N"}, {-45, 4, 0, L"S 45d E"},
   };
   for (const auto& c : cases) {
     OdString out;
@@ -134,10 +85,7 @@ TEST(HostUnits, RejectsUnknownUnitsAndNonFiniteValues) {
 }
 
 TEST(HostUnits, ReadsTypedDistances) {
-  struct Case {
-    const wchar_t* text;
-    double want;
-  };
+  struct Case { const wchar_t* text; double want; };
   const Case cases[] = {
       {L"15.5", 15.5},       {L"1.55E+01", 15.5},      {L"1.5500e+01", 15.5},   {L"-1.5500E-01", -0.155},
       {L"1E3", 1000},        {L"1'3.5\"", 15.5},       {L"1'-3.50\"", 15.5},    {L"1'-3 1/2\"", 15.5},
@@ -161,24 +109,27 @@ TEST(HostUnits, ReadsTypedDistances) {
   }
 }
 
-TEST(HostUnits, RejectsBadDistanceText) {
-  const wchar_t* bad[] = {L"",     L"   ",   L"abc",  L"2*3", L"1e",      L"1.2.3",   L"--1",
-                          L"+-1",  L"- 5",   L"1/0",  L"1/",  L"/2",      L"1'2'",    L"1'-",
-                          L"\"",   L"'",     L"1 1",  L"1/2/3", L"1.5/2", L"3 1/2 1/4", L"1\"2",
-                          L"1,5",  L"1'-3\"\"", L"N 45d E", L"15-2", L"1e400"};
-  for (const wchar_t* text : bad) {
-    double v = 42;
-    EXPECT_FALSE(hostdbDisToF(nullptr, text, 2, v)) << OdString(text).toUtf8();
-    EXPECT_EQ(v, 42) << OdString(text).toUtf8();
-  }
+// Rejected text leaves the value alone.
+TEST(HostUnits, RejectsBadDistanceAndAngleText) {
+  using Reader = bool (*)(const OdDbDatabase*, const OdString&, int, double&);
+  // Decimal distances and decimal degrees: the units that read most forms.
+  const std::tuple<Reader, int, std::vector<const wchar_t*>> readers[] = {
+      {hostdbDisToF, 2, {L"", L"   ", L"abc", L"2*3", L"1e", L"1.2.3", L"--1", L"+-1", L"- 5", L"1/0", L"1/", L"/2",
+                         L"1'2'", L"1'-", L"\"", L"'", L"1 1", L"1/2/3", L"1.5/2", L"3 1/2 1/4", L"1\"2", L"1,5",
+                         L"1'-3\"\"", L"N 45d E", L"15-2", L"1e400"}},
+      {hostdbAngToF, 0, {L"", L"abc", L"45x", L"45d30", L"45'", L"1e", L"2*3", L"N 95d E", L"N 45d", L"N 45d X",
+                         L"N -45 E", L"-N 45d E", L"45d30'15\"x", L"EW", L"N E", L"45g30'"}},
+  };
+  for (const auto& [read, unit, bad] : readers)
+    for (const wchar_t* text : bad) {
+      double v = 42;
+      EXPECT_FALSE(read(nullptr, text, unit, v)) << OdString(text).toUtf8();
+      EXPECT_EQ(v, 42) << OdString(text).toUtf8();
+    }
 }
 
 TEST(HostUnits, ReadsTypedAngles) {
-  struct Case {
-    const wchar_t* text;
-    int unit;
-    double wantDeg;
-  };
+  struct Case { const wchar_t* text; int unit; double wantDeg; };
   const double dms = 45.0 + 30.0 / 60 + 15.0 / 3600;
   const Case cases[] = {
       {L"45", 0, 45},           {L"45.5", 0, 45.5},       {L"-10", 0, -10},          {L"400", 0, 400},
@@ -196,17 +147,6 @@ TEST(HostUnits, ReadsTypedAngles) {
     double v = -1;
     EXPECT_TRUE(hostdbAngToF(nullptr, c.text, c.unit, v)) << OdString(c.text).toUtf8();
     EXPECT_NEAR(v, rad(c.wantDeg), 1e-12) << OdString(c.text).toUtf8();
-  }
-}
-
-TEST(HostUnits, RejectsBadAngleText) {
-  const wchar_t* bad[] = {L"",        L"abc",      L"45x",     L"45d30",  L"45'",   L"1e",
-                          L"2*3",     L"N 95d E",  L"N 45d",   L"N 45d X", L"N -45 E", L"-N 45d E",
-                          L"45d30'15\"x", L"EW",   L"N E",     L"45g30'"};
-  for (const wchar_t* text : bad) {
-    double v = 42;
-    EXPECT_FALSE(hostdbAngToF(nullptr, text, 0, v)) << OdString(text).toUtf8();
-    EXPECT_EQ(v, 42) << OdString(text).toUtf8();
   }
 }
 
@@ -265,11 +205,7 @@ protected:
 };
 
 TEST_F(HostUnitsDrawing, FixedArgumentsFollowTheDrawingsSettings) {
-  struct Case {
-    int lunits, luprec, aunits, auprec;
-    double length, degrees;
-    const wchar_t *wantLin, *wantAng;
-  };
+  struct Case { int lunits, luprec, aunits, auprec; double length, degrees; const wchar_t *wantLin, *wantAng; };
   const Case cases[] = {
       {4, 2, 1, 4, 15.5, 45.5, L"1'-3 1/2\"", L"45d30'0\""},
       {5, 3, 0, 2, 15.5, 45.5, L"15 1/2", L"45.50"},
