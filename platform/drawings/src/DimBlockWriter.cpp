@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
+#include <cstring>
 #include <cmath>
 #include <numbers>
 
@@ -94,13 +96,13 @@ public:
     m_style.format = DxfFormat::Binary;
     m_markers = dxfver::hasObjects(m_version);
     m_handles = m_markers || db.headerInt("$HANDLING", 1) != 0;
-    m_out.reserve(512);
+    m_out.resize(512);
   }
 
   DxfVersion version() const { return m_version; }
 
   void begin(std::string_view name, uint64_t handle, uint64_t owner) {
-    m_out.clear();
+    m_length = 0;
     text(0, name);
     if (m_handles) hex(5, handle);
     if (m_markers) {
@@ -111,22 +113,66 @@ public:
   void marker(std::string_view m) {
     if (m_markers) text(100, m);
   }
-  void text(int code, std::string_view v) { dxfWriteNewTag(m_out, code, v, m_style); }
-  void hex(int code, uint64_t h) { text(code, dxfFormatHandle(h)); }
-  void integer(int code, int64_t v) { dxfWriteInt(m_out, code, v, m_style); }
-  void real(int code, double v) { dxfWriteDouble(m_out, code, v, m_style); }
+  // Strings and handles end with a NUL; a caret needs the escapes the general writer knows.
+  void text(int code, std::string_view v) {
+    if (v.find('^') != std::string_view::npos) {
+      std::string tag;
+      dxfWriteNewTag(tag, code, v, m_style);
+      std::memcpy(room(tag.size()), tag.data(), tag.size());
+      return;
+    }
+    char* p = tagOf(code, v.size() + 1);
+    std::memcpy(p, v.data(), v.size());
+    p[v.size()] = '\0';
+  }
+  void hex(int code, uint64_t h) {
+    char buf[20];
+    char* end = std::to_chars(buf, buf + sizeof buf, h, 16).ptr;
+    for (char* c = buf; c != end; ++c)
+      if (*c >= 'a') *c = static_cast<char>(*c - 'a' + 'A');
+    text(code, std::string_view(buf, static_cast<size_t>(end - buf)));
+  }
+  void integer(int code, int64_t v) {
+    switch (dxfTypeOf(code)) {
+      case DxfType::Int16: put(code, static_cast<int16_t>(v)); break;
+      case DxfType::Int32: put(code, static_cast<int32_t>(v)); break;
+      case DxfType::Bool: put(code, static_cast<uint8_t>(v)); break;
+      default: put(code, v);
+    }
+  }
+  void real(int code, double v) { put(code, v); }
   void point(int code, Vec p) {
     real(code, p.x);
     real(code + 10, p.y);
     real(code + 20, 0.0);
   }
-  std::string_view spelled() const { return m_out; }
+  std::string_view spelled() const { return std::string_view(m_out.data(), m_length); }
 
 private:
+  // The bytes are written in place (every entity of every recomputed block goes
+  // through here): a tag is its two-byte group code and `n` bytes of value.
+  char* room(size_t n) {
+    if (m_length + n > m_out.size()) m_out.resize(std::max(2 * m_out.size(), m_length + n));
+    char* p = m_out.data() + m_length;
+    m_length += n;
+    return p;
+  }
+  char* tagOf(int code, size_t n) {
+    char* p = room(2 + n);
+    p[0] = static_cast<char>(code & 0xFF);
+    p[1] = static_cast<char>((code >> 8) & 0xFF);
+    return p + 2;
+  }
+  template <class T>
+  void put(int code, T v) {
+    std::memcpy(tagOf(code, sizeof v), &v, sizeof v);  // little-endian, as binary files are
+  }
+
   DxfStyle m_style;
   DxfVersion m_version;
   bool m_markers = false, m_handles = false;
-  std::string m_out;
+  std::string m_out;  // its first m_length bytes are the entity
+  size_t m_length = 0;
 };
 
 // Writes the items into the block, reusing its entities in order while their kind
