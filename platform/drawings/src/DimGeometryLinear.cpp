@@ -4,6 +4,7 @@
 // and arrowheads fit there and moved outside when they do not.
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "DimGeometryImpl.h"
 #include "DimVarSnapshot.h"
@@ -316,7 +317,7 @@ BlockContents computeLinear(const OdDbAlignedDimension& dim) {
   b.point(p1);
   b.point(p2);
   b.point(d2);
-  return out;
+  return std::move(out);  // out is the builder's: no copy of the items
 }
 
 }  // namespace dimgeom

@@ -16,6 +16,7 @@
 //   gap beyond it; text above the line (DIMTAD) sits on a landing under all of it.
 #include <algorithm>
 #include <cmath>
+#include <utility>
 #include <numbers>
 
 #include "DimGeometryImpl.h"
@@ -238,7 +239,7 @@ BlockContents computeCircular(const OdDbDimension& dim, Vec chord, Vec other, bo
   if (mark) centreMark(b, v, c, r);
   b.point(chord);
   b.point(other);
-  return out;
+  return std::move(out);  // out is the builder's: no copy of the items
 }
 
 // Half the length of the line through the middle of a w x h box turned by
@@ -309,7 +310,7 @@ BlockContents computeJogged(const VxHugeRadius& dim) {
   b.point(chord);
   b.point(stand);
   b.point(jog);
-  return out;
+  return std::move(out);  // out is the builder's: no copy of the items
 }
 
 BlockContents computeRadial(const OdDbRadialDimension& dim) {
