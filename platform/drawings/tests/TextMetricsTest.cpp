@@ -234,6 +234,20 @@ TEST(TextMetrics, PrefersTheNamedFileAndDegradesWithoutFonts) {
   fs::remove_all(dir);
 }
 
+// Without the Play font file its table measures digits, period and parentheses:
+// the widths are the breaks in the dimension lines of a drawing set in Play (the
+// Voron build plate: text height 5.5, DIMGAP 0.762 x DIMSCALE 2 at either side).
+TEST(TextMetrics, PlayTableAgreesWithTheDrawingItWasTakenFrom) {
+  REQUIRE_FONTS();
+  const OdGiDefaultTextMetrics m = packagedFonts();
+  const OdGiTextStyle play = styleOf(L"Play-Regular.ttf", L"Play");
+  ASSERT_EQ(m.match(play).table, "play");
+  const std::pair<const wchar_t*, double> breaks[] = {{L"164.5", 23.107322}, {L"240.0", 23.751390}, {L"89.5", 18.725966},
+                                                      {L"52.0", 18.709017}, {L"(150.0)", 29.149695}, {L"(75.0)", 24.234441}};
+  for (const auto& [text, gapLength] : breaks)
+    EXPECT_NEAR(m.width(text, 5.5, play), gapLength - 4 * 0.762, 0.001 * gapLength) << OdString(text).toUtf8();
+}
+
 TEST(TextMetrics, MeasuresInkScaledByHeightWidthFactorAndObliquing) {
   REQUIRE_FONTS();
   const OdGiDefaultTextMetrics m = packagedFonts();
