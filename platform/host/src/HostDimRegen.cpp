@@ -61,8 +61,9 @@ void hostDimRegenCommand() {
     return;
   }
   const HostDimRegenCount n = hostRecomputeDimensions(ids);
-  std::string line = std::to_string(n.recomputed) + " dimension(s) and " + std::to_string(n.leaders) +
-                     " leader(s) recomputed, " + std::to_string(n.notYet) + " of kinds not computed yet";
+  std::string line =
+      std::to_string(n.recomputed) + " dimension(s) and " + std::to_string(n.leaders) + " leader(s) recomputed";
+  if (n.notYet) line += ", " + std::to_string(n.notYet) + " left as they were";
   if (n.failed) line += ", " + std::to_string(n.failed) + " failed";
   ctx->print(OdString::fromUtf8(line + "."));
 }

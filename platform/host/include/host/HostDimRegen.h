@@ -4,9 +4,10 @@
 // ALL (or Enter) takes every dimension and leader of the drawing: model space,
 // the paper space layouts and the block definitions. Select asks for objects with
 // the selection service ("Select objects: ") and keeps the dimensions and leaders
-// among them. It ends with "N dimension(s) and L leader(s) recomputed, M of kinds
-// not computed yet."; dimensions of kinds the geometry engine does not compute
-// yet keep their blocks, leaders pointing at tolerances or blocks their vertices.
+// among them. It ends with "N dimension(s) and L leader(s) recomputed.", adding
+// ", M left as they were" for dimensions of a kind the geometry engine does not
+// compute and leaders whose annotation is not of the kind they name (they keep
+// their blocks and vertices), and ", K failed" for any other error.
 // The command runs in one undo group, so UNDO takes all of it back at once.
 #pragma once
 
@@ -16,8 +17,8 @@
 struct HostDimRegenCount {
   int recomputed = 0;  // dimensions
   int leaders = 0;     // leaders re-placed (or with nothing to place)
-  int notYet = 0;   // kinds that return eNotImplementedYet
-  int failed = 0;   // any other error
+  int notYet = 0;      // left as they were: eNotImplementedYet
+  int failed = 0;      // any other error
 };
 
 // Every dimension and leader in every block record of the drawing (layouts included).
