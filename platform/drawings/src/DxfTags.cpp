@@ -415,8 +415,7 @@ static size_t binaryCode(char* b, int code, bool shortCodes) {
   return n;
 }
 
-// A binary tag of a fixed-width value, appended at once: recomputed blocks write
-// every number through here.
+// A binary tag of a fixed-width value, appended at once.
 template <class T>
 static void writeBinary(std::string& out, int code, T v, bool shortCodes) {
   char b[3 + sizeof(T)];
@@ -477,19 +476,6 @@ static void writeValue(std::string& out, int code, std::string_view text, const 
 }
 
 void dxfWriteNewTag(std::string& out, int code, std::string_view text, const DxfStyle& style) {
-  if (style.format == DxfFormat::Binary && (dxfTypeOf(code) == DxfType::String || dxfTypeOf(code) == DxfType::Handle) &&
-      text.find('^') == std::string_view::npos) {
-    // A plain string, code and value and its end in one growth: every recomputed
-    // block entity has a handful of these.
-    char b[3];
-    const size_t n = binaryCode(b, code, style.shortCodes), at = out.size();
-    out.resize(at + n + text.size() + 1);
-    char* p = out.data() + at;
-    std::memcpy(p, b, n);
-    std::memcpy(p + n, text.data(), text.size());
-    p[n + text.size()] = '\0';
-    return;
-  }
   writeCode(out, code, style);
   writeValue(out, code, text, style);
 }
