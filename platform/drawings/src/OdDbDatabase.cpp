@@ -109,6 +109,7 @@ OdDbObjectId OdDbDatabase::attachNew(OdDbObject* object, OdDbHandle handle) {
   id.stub()->object = object;
   object->attach(id.stub());
   m_objects.emplace_back(object);
+  ++m_changes;
   if (m_undo) m_undo->recordNew(object);
   object->setOpenMode(OdDb::kForWrite);
   if (object->dxfName().empty()) object->setDxfName(object->isA()->dxfName().toUtf8());

@@ -17,12 +17,19 @@ bool OdDbDatabase::hasUndo() const { return m_undo && m_undo->hasUndo(); }
 bool OdDbDatabase::hasRedo() const { return m_undo && m_undo->hasRedo(); }
 OdString OdDbDatabase::undoGroupName() const { return m_undo ? m_undo->undoName() : OdString(); }
 OdString OdDbDatabase::redoGroupName() const { return m_undo ? m_undo->redoName() : OdString(); }
-void OdDbDatabase::undo() { UndoHistory::of(*this).undo(); }
-void OdDbDatabase::redo() { UndoHistory::of(*this).redo(); }
+void OdDbDatabase::undo() {
+  UndoHistory::of(*this).undo();
+  ++m_changes;
+}
+void OdDbDatabase::redo() {
+  UndoHistory::of(*this).redo();
+  ++m_changes;
+}
 void OdDbDatabase::blockUndoRecording(bool block) { UndoHistory::of(*this).setBlocked(block); }
 bool OdDbDatabase::isUndoBlocked() const { return m_undo && m_undo->blocked(); }
 
 void OdDbDatabase::recordUndo(OdDbObject* object) {
+  ++m_changes;
   // Without a history no group was ever opened: there is nothing to record or forget.
   if (m_undo) m_undo->record(object);
 }

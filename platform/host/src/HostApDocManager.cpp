@@ -8,23 +8,6 @@ namespace {
 HostApDocManager* g_manager = nullptr;
 }
 
-// ---------------------------------------------------------------- properties
-
-HostResult HostPropertyManager::addProperty(IOdProperty* property) {
-  if (!property) return kHostInvalidArg;
-  if (std::find(m_properties.begin(), m_properties.end(), property) != m_properties.end()) return kHostNone;
-  m_properties.push_back(property);
-  return kHostOk;
-}
-
-HostResult HostPropertyManager::removeProperty(IOdProperty* property) {
-  if (!property) return kHostInvalidArg;
-  auto it = std::find(m_properties.begin(), m_properties.end(), property);
-  if (it == m_properties.end()) return kHostNone;
-  m_properties.erase(it);
-  return kHostOk;
-}
-
 // ---------------------------------------------------------------- documents
 
 HostApDocument::HostApDocument(OdDbDatabasePtr database, std::string path, bool withPropManager)

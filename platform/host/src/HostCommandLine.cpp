@@ -1,24 +1,37 @@
 #include "host/HostCommandLine.h"
 
 #include <algorithm>
+#include <sstream>
 
 #include "drawings/OdString.h"
 
 HostCommandLine::HostCommandLine(std::istream& in, std::ostream& out, bool echo) : m_in(in), m_out(out), m_echo(echo) {}
 
-void HostCommandLine::print(const std::string& text) {
+namespace {
+std::istringstream g_noInput;
+std::ostringstream g_noOutput;
+}  // namespace
+
+HostCommandLine::HostCommandLine() : m_in(g_noInput), m_out(g_noOutput), m_echo(false) {}
+
+void HostCommandLine::write(const std::string& text) {
   m_out << text;
   m_out.flush();
+}
+
+bool HostCommandLine::readLine(std::string& line) {
+  if (!std::getline(m_in, line)) return false;
+  if (!line.empty() && line.back() == '\r') line.pop_back();
+  return true;
 }
 
 std::string HostCommandLine::getLine(const std::string& prompt) {
   print(prompt);
   std::string line;
-  if (!std::getline(m_in, line)) {
+  if (!readLine(line)) {
     print("\n");
     throw HostCancel{true};
   }
-  if (!line.empty() && line.back() == '\r') line.pop_back();
   if (m_echo) print(line + "\n");
   if (line == "\x1b") {
     println("*Cancel*");

@@ -20,8 +20,20 @@ std::string upper(std::string_view word) {
   return w;
 }
 
+std::function<void(std::function<void()>)>& poster() {
+  static std::function<void(std::function<void()>)> p;
+  return p;
+}
+
+const HostCommand* findByIdentifier(const OdString& identifier) {
+  for (const auto& c : commands())
+    if (c.isRegistered() && c.identifier.iCompare(identifier) == 0) return &c;
+  return nullptr;
+}
+
 HostResult add(HostCommand command) {
-  if (command.word.empty() || !command.handler) return kHostInvalidArg;
+  if (command.word.empty() || (!command.handler && !command.paramHandler)) return kHostInvalidArg;
+  if (!command.handler) command.handler = [h = command.paramHandler] { h(HostCommandParams{}); };
   if (hostFindCommand(command.word)) return kHostFail;
   command.module = hostLoadingModule();
   commands().push_back(std::move(command));
@@ -37,6 +49,37 @@ HostResult hostRegisterCommand(const OdString& group, const OdString& identifier
   return add(HostCommand{hostCommandWord(identifier), group, identifier, flags, std::move(handler), nullptr});
 }
 
+HostResult hostRegisterCommandWithParams(const OdString& group, const OdString& identifier, uint32_t flags,
+                                         std::function<void(const HostCommandParams&)> handler) {
+  if (group.isEmpty() || identifier.isEmpty() || !handler) return kHostInvalidArg;
+  if (hostFindRegisteredCommand(group, identifier)) return kHostFail;
+  HostCommand c{hostCommandWord(identifier), group, identifier, flags, nullptr, nullptr};
+  c.paramHandler = std::move(handler);
+  return add(std::move(c));
+}
+
+HostResult hostExecuteCommand(const OdString& identifier, const HostCommandParams& params) {
+  const HostCommand* c = findByIdentifier(identifier);
+  if (!c) return kHostInvalidArg;
+  if (c->paramHandler) {
+    auto handler = c->paramHandler;  // the command may unload its module's table meanwhile
+    handler(params);
+  } else {
+    auto handler = c->handler;
+    handler();
+  }
+  return kHostOk;
+}
+
+HostResult hostPostCommand(const OdString& identifier, const HostCommandParams& params) {
+  if (!findByIdentifier(identifier)) return kHostInvalidArg;
+  if (!poster()) return hostExecuteCommand(identifier, params);
+  poster()([identifier, params] { hostExecuteCommand(identifier, params); });
+  return kHostOk;
+}
+
+void hostSetCommandPoster(std::function<void(std::function<void()>)> p) { poster() = std::move(p); }
+
 const HostCommand* hostFindRegisteredCommand(const OdString& group, const OdString& identifier) {
   for (const auto& c : commands())
     if (c.isRegistered() && c.group.iCompare(group) == 0 && c.identifier.iCompare(identifier) == 0) return &c;
@@ -47,7 +90,7 @@ std::string hostCommandWord(const OdString& identifier) {
   static const struct {
     const wchar_t* identifier;
     const char* word;
-  } known[] = {{L"DimStylesCmd", "DIMSTYLE"}};
+  } known[] = {{L"DimStylesCmd", "DIMSTYLE"}, {L"TextPropsCmd", "STYLE"}, {L"RefreshProperties", "REFRESHPROPERTIES"}};
   for (const auto& k : known)
     if (identifier.iCompare(k.identifier) == 0) return k.word;
   std::string word = upper(identifier.toUtf8());
@@ -60,7 +103,9 @@ HostResult hostAddCommandLineCommand(const OdString& globalName, uint32_t flags,
 }
 
 const HostCommand* hostFindCommand(std::string_view word) {
-  const std::string w = upper(word);
+  std::string w = upper(word);
+  // Older names that users still type.
+  if (w == "DDIM") w = "DIMSTYLE";
   for (const auto& c : commands())
     if (c.word == w) return &c;
   return nullptr;

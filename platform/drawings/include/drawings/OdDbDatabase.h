@@ -152,6 +152,9 @@ public:
   bool isUndoBlocked() const;
   // Called before an object changes (objects call it themselves).
   void recordUndo(OdDbObject* object);
+  // Counts every change, undo and redo since the drawing was read or made; a
+  // program remembers it when it saves, to tell whether the drawing has changed since.
+  uint64_t changeCount() const { return m_changes; }
 
   // Loader and writer access to the file's layout.
   std::vector<DxfSection>& sections() { return m_sections; }
@@ -189,6 +192,7 @@ private:
   DxfCodec m_codec;
   std::vector<std::string> m_warnings;
   std::unique_ptr<UndoHistory> m_undo;
+  uint64_t m_changes = 0;
   std::map<std::size_t, OdDimVarValue> m_dimVarsSessionOnly;  // variables the header cannot hold
 };
 

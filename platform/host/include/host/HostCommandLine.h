@@ -16,8 +16,9 @@ struct HostCancel {
 class HostCommandLine {
 public:
   HostCommandLine(std::istream& in, std::ostream& out, bool echo);
+  virtual ~HostCommandLine() = default;
 
-  void print(const std::string& text);  // as is
+  void print(const std::string& text) { write(text); }  // as is
   void println(const std::string& text) { print(text + "\n"); }
 
   // A line of input after `prompt`; throws HostCancel.
@@ -34,6 +35,17 @@ public:
 
   // The keyword that `input` names, if any.
   static std::optional<std::string> matchKeyword(const std::string& input, const std::vector<std::string>& keywords);
+
+protected:
+  // A command line without a stream of its own (the window's) overrides both.
+  HostCommandLine();
+  // Shows `text` (UTF-8) as it is.
+  virtual void write(const std::string& text);
+  // The next line the user enters after the prompt just written, without its line
+  // end; false at the end of input. A line holding only Escape cancels.
+  virtual bool readLine(std::string& line);
+  // Whether lines read are shown after the prompt as if typed.
+  bool echo() const { return m_echo; }
 
 private:
   std::istream& m_in;

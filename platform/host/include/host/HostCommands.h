@@ -6,12 +6,19 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <string>
 #include <string_view>
+#include <variant>
 #include <vector>
 
 #include "drawings/OdString.h"
 #include "host/HostResult.h"
+
+// Parameters that a caller hands a registered command, by key: "HWND" the
+// caller's window (a QWidget*), "CMDDIA" a switch, a drawing for "RefreshProperties".
+using HostCommandParam = std::variant<int64_t, void*, OdString>;
+using HostCommandParams = std::map<std::string, HostCommandParam>;
 
 struct HostCommand {
   std::string word;            // what is typed at "Command: ", upper-case
@@ -19,6 +26,8 @@ struct HostCommand {
   uint32_t flags = 0;          // as given
   std::function<void()> handler;
   const void* module = nullptr;  // the module whose initialisation gave it
+  // Registered commands run by hostExecuteCommand may take parameters.
+  std::function<void(const HostCommandParams&)> paramHandler;
   bool isRegistered() const { return !identifier.isEmpty(); }
 };
 
@@ -26,6 +35,18 @@ struct HostCommand {
 // identifier or when the handler or a name is missing.
 HostResult hostRegisterCommand(const OdString& group, const OdString& identifier, uint32_t flags,
                                std::function<void()> handler);
+// The same for a command that takes parameters when a caller runs it; typed at
+// "Command: " it runs with none.
+HostResult hostRegisterCommandWithParams(const OdString& group, const OdString& identifier, uint32_t flags,
+                                         std::function<void(const HostCommandParams&)> handler);
+// Runs the registered command of `identifier` (of any group) now, with `params`;
+// kHostInvalidArg when there is none.
+HostResult hostExecuteCommand(const OdString& identifier, const HostCommandParams& params = {});
+// Runs it once the current user action is done: the window host queues it on its
+// event loop; without a poster installed (the console) it runs at once.
+HostResult hostPostCommand(const OdString& identifier, const HostCommandParams& params = {});
+// The host's side: how posted commands are queued.
+void hostSetCommandPoster(std::function<void(std::function<void()>)> poster);
 // Null when not registered.
 const HostCommand* hostFindRegisteredCommand(const OdString& group, const OdString& identifier);
 
