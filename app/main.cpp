@@ -1,7 +1,12 @@
-// vexhost: the host program. For now the command line on a terminal (--console).
-// It loads the modules of the folder "modules" beside it, and those named with
-// --module, before it opens the drawings named on the command line.
+// vexhost: the host program. A window with the drawings, the command line and the
+// properties palette when there is a display; the command line on a terminal with
+// --console, or when there is no display. Either way it loads the modules of the
+// folder "modules" beside it, and those named with --module, before it opens the
+// drawings named on the command line.
 #include <unistd.h>
+
+#include <QApplication>
+#include <QStringList>
 
 #include <cstring>
 #include <filesystem>
@@ -17,11 +22,14 @@
 #include "host/HostSession.h"
 #include "host/HostSvg.h"
 #include "host/HostTrace.h"
+#include "hostgui/HostGuiApp.h"
+#include "hostgui/HostMainWindow.h"
 
 extern "C" void* get_host_funcptr(int which) { return hostFuncPtr(which); }
 
 static int usage() {
-  std::cerr << "usage: vexhost --console [--script FILE] [--lang en|ru] [--trace FILE] [--module FILE ...] "
+  std::cerr << "usage: vexhost [--lang en|ru] [--trace FILE] [--module FILE ...] [DRAWING ...]\n"
+               "       vexhost --console [--script FILE] [--lang en|ru] [--trace FILE] [--module FILE ...] "
                "[DRAWING ...]\n"
                "       vexhost --render PICTURE.svg DRAWING\n";
   return 2;
@@ -51,8 +59,30 @@ static int render(const std::string& picture, const std::string& drawing) {
   }
 }
 
+// Whether a window can be shown: a display, or a platform chosen on purpose
+// (offscreen for screenshots).
+static bool haveDisplay() {
+  return std::getenv("DISPLAY") || std::getenv("WAYLAND_DISPLAY") || std::getenv("QT_QPA_PLATFORM");
+}
+
+static int runWindow(int argc, char** argv, const std::string& lang, const std::vector<std::string>& modules,
+                     const std::vector<std::string>& drawings) {
+  QApplication app(argc, argv);
+  QApplication::setOrganizationName("vexhost");
+  QApplication::setApplicationName("vexhost");
+  QApplication::setApplicationDisplayName("vexhost");
+  hostGuiInstallTranslators(app, hostGuiChooseLanguage(QString::fromStdString(lang)));
+  HostMainWindow window(modules);
+  window.show();
+  QStringList paths;
+  for (const auto& d : drawings) paths << QString::fromStdString(d);
+  window.openFiles(paths);
+  return app.exec();
+}
+
 int main(int argc, char** argv) {
-  std::string script, lang = "en", trace, picture;
+  std::string script, lang, trace, picture;
+  bool console = false;
   std::vector<std::string> drawings, modules;
   for (int i = 1; i < argc; ++i) {
     std::string a = argv[i];
@@ -61,7 +91,7 @@ int main(int argc, char** argv) {
       out = argv[++i];
       return true;
     };
-    if (a == "--console") continue;
+    if (a == "--console") { console = true; continue; }
     if (a == "--script") { if (!value(script)) return usage(); continue; }
     if (a == "--lang") { if (!value(lang) || (lang != "en" && lang != "ru")) return usage(); continue; }
     if (a == "--trace") { if (!value(trace)) return usage(); continue; }
@@ -72,8 +102,10 @@ int main(int argc, char** argv) {
     drawings.push_back(a);
   }
   if (!picture.empty()) return drawings.size() == 1 ? render(picture, drawings.front()) : usage();
-  hostSetLanguage(lang);
   if (!trace.empty() && !hostTraceSetFile(trace.c_str())) std::cerr << "cannot write the trace file " << trace << "\n";
+
+  if (!console && script.empty() && haveDisplay()) return runWindow(argc, argv, lang, modules, drawings);
+  hostSetLanguage(lang.empty() ? "en" : lang);
 
   std::ifstream scriptFile;
   if (!script.empty()) {

@@ -23,7 +23,10 @@ OdDbObjectIdArray hostAllDimensions(const OdDbDatabase& db) {
 
 HostDimRegenCount hostRecomputeDimensions(const OdDbObjectIdArray& ids) {
   HostDimRegenCount n;
+  std::size_t done = 0;
   for (const OdDbObjectId& id : ids) {
+    // Every few hundred, so that reporting costs nothing next to the work.
+    if ((done++ & 255) == 0) hostProgress("DIMREGEN", done - 1, ids.size());
     if (auto l = odOpen<OdDbLeader>(id, OdDb::kForWrite)) {
       switch (recomputeLeader(*l)) {
         case eOk: ++n.leaders; break;
@@ -40,6 +43,7 @@ HostDimRegenCount hostRecomputeDimensions(const OdDbObjectIdArray& ids) {
       default: ++n.failed;
     }
   }
+  hostProgress("DIMREGEN", ids.size(), ids.size());
   return n;
 }
 

@@ -2,6 +2,7 @@
 
 #include "host/HostCommands.h"
 #include "host/HostDimRegen.h"
+#include "host/HostEditorReactor.h"
 #include "host/HostServices.h"
 #include "host/HostSvg.h"
 #include "host/HostSysVarCommand.h"
@@ -17,14 +18,7 @@ static const std::vector<std::string> kVersionKeywords = {"R12", "R2000", "R2004
 HostSession::HostSession(HostCommandLine& cl) : m_cl(cl), m_context(cl, m_docManager) {
   hostSetDocManager(&m_docManager);
   gpVxContext = &m_context;
-  // Questions are asked on the command line: the lines of the text, then a Yes/No
-  // prompt on its last line, No by default so that Enter changes nothing.
-  hostSetYesNoHandler([this](const std::wstring& question) {
-    std::string text = odstr::narrow(question);
-    size_t last = text.find_last_of('\n');
-    if (last != std::string::npos) m_cl.println(text.substr(0, last));
-    return m_cl.getYesNo(last == std::string::npos ? text : text.substr(last + 1), false);
-  });
+  hostSetYesNoHandler([this](const std::wstring& question) { return askYesNo(question); });
   addCommand("OPEN", [this] { cmdOpen(); }, false);
   addCommand("NEW", [this] { cmdNew(); }, false);
   addCommand("SAVE", [this] { cmdSave(); }, false);
@@ -39,6 +33,13 @@ HostSession::HostSession(HostCommandLine& cl) : m_cl(cl), m_context(cl, m_docMan
   addCommand("RENDER", [this] { hostRenderCommand(m_cl, activeDocument()); }, false);
   addCommand("SETVAR", [this] { hostSetVarCommand(m_cl); });
   addCommand("DIMREGEN", [] { hostDimRegenCommand(); });
+}
+
+bool HostSession::askYesNo(const std::wstring& question) {
+  std::string text = odstr::narrow(question);
+  size_t last = text.find_last_of('\n');
+  if (last != std::string::npos) m_cl.println(text.substr(0, last));
+  return m_cl.getYesNo(last == std::string::npos ? text : text.substr(last + 1), false);
 }
 
 void HostSession::cmdHelp() {
@@ -74,14 +75,24 @@ void HostSession::closeAllDocuments() {
   activeChanged();
 }
 
+HostApDocument* HostSession::adopt(OdDbDatabasePtr db, const std::string& path) {
+  for (const auto& w : db->loadWarnings()) m_cl.println("Warning: " + w);
+  HostApDocument* doc = m_docManager.addDocument(std::make_unique<HostApDocument>(db, path));
+  activeChanged();
+  m_cl.println("Opened " + path + " (" + std::string(dxfver::keyword(db->version())) +
+               (db->format() == DxfFormat::Binary ? ", binary" : "") + ").");
+  return doc;
+}
+
+HostApDocument* HostSession::adoptNew(OdDbDatabasePtr db) {
+  HostApDocument* doc = m_docManager.addDocument(std::make_unique<HostApDocument>(db));
+  activeChanged();
+  return doc;
+}
+
 bool HostSession::open(const std::string& path) {
   try {
-    OdDbDatabasePtr db = OdDbDatabase::readDxfFile(path);
-    for (const auto& w : db->loadWarnings()) m_cl.println("Warning: " + w);
-    m_docManager.addDocument(std::make_unique<HostApDocument>(db, path));
-    activeChanged();
-    m_cl.println("Opened " + path + " (" + std::string(dxfver::keyword(db->version())) +
-                 (db->format() == DxfFormat::Binary ? ", binary" : "") + ").");
+    adopt(OdDbDatabase::readDxfFile(path), path);
     return true;
   } catch (const OdError& e) {
     m_cl.println(std::string("Cannot open drawing: ") + e.what());
@@ -94,13 +105,22 @@ bool HostSession::runCommand(const std::string& name) {
   std::string n = name;
   for (auto& c : n) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
   if (!n.empty() && n[0] == '_') n.erase(0, 1);
-  struct Active {  // CMDACTIVE, however the command ends
-    Active() { hostCommandStarted(); }
-    ~Active() { hostCommandEnded(); }
+  // CMDACTIVE, and the editor reactors told of the start and the end, however
+  // the command ends.
+  struct Active {
+    OdString name;
+    explicit Active(const std::string& n) : name(OdString::fromUtf8(n)) {
+      hostEditorCommandWillStart(name);
+      hostCommandStarted();
+    }
+    ~Active() {
+      hostCommandEnded();
+      hostEditorCommandEnded(name);
+    }
   };
   auto it = m_commands.find(n);
   if (it != m_commands.end()) {
-    Active active;
+    Active active(n);
     if (it->second.undoable) runUndoable(n, it->second.handler);
     else it->second.handler();
     return true;
@@ -109,17 +129,17 @@ bool HostSession::runCommand(const std::string& name) {
   if (!command) {
     // A variable's name asks for its value, as SETVAR does; a command of the same name wins.
     if (!hostIsCommandLineVar(n)) return false;
-    Active active;
+    Active active(n);
     runUndoable(n, [this, &n] { hostVarPrompt(m_cl, n); });
     return true;
   }
-  if (command->isRegistered()) {
+  if (command->isRegistered() && !m_dialogs) {
     m_cl.println("The " + command->word + " command opens a dialog, which needs the window host.");
     return true;
   }
   // A copy, so that the handler lives through the command whatever the table does meanwhile.
   const Command handler = command->handler;
-  Active active;
+  Active active(n);
   runUndoable(n, handler);
   return true;
 }
@@ -175,8 +195,7 @@ void HostSession::cmdNew() {
       version = *v;
       continue;
     }
-    m_docManager.addDocument(std::make_unique<HostApDocument>(OdDbDatabase::createNew(version, k == "Metric")));
-    activeChanged();
+    adoptNew(OdDbDatabase::createNew(version, k == "Metric"));
     m_cl.println("New " + k + " drawing (" + std::string(dxfver::keyword(version)) + ").");
     return;
   }
@@ -244,12 +263,22 @@ void HostSession::cmdSaveAs() {
   }
 }
 
+void HostSession::activate(HostApDocument* doc) {
+  if (doc == activeDocument()) return;
+  m_docManager.activateDocument(doc);
+  activeChanged();
+}
+
 void HostSession::cmdClose() {
   HostApDocument* closing = activeDocument();
   if (!closing) {
     m_cl.println("No drawing is open.");
     return;
   }
+  close(closing);
+}
+
+void HostSession::close(HostApDocument* closing) {
   const std::string title = closing->title();
   m_docManager.closeDocument(closing);
   activeChanged();
@@ -263,8 +292,7 @@ void HostSession::cmdUndo() {
     m_cl.println("No drawing is open.");
     return;
   }
-  OdDbDatabase& db = *doc->database();
-  if (!db.hasUndo()) {
+  if (!doc->database()->hasUndo()) {
     m_cl.println("Nothing to undo.");
     return;
   }
@@ -277,14 +305,29 @@ void HostSession::cmdUndo() {
     if (*end == '\0' && count > 0) break;
     m_cl.println("Requires a positive integer.");
   }
+  undoSteps(count);
+}
+
+bool HostSession::undoSteps(long count) {
+  HostApDocument* doc = activeDocument();
+  if (!doc) {
+    m_cl.println("No drawing is open.");
+    return false;
+  }
+  OdDbDatabase& db = *doc->database();
+  if (!db.hasUndo()) {
+    m_cl.println("Nothing to undo.");
+    return false;
+  }
   for (long i = 0; i < count; ++i) {
     if (!db.hasUndo()) {
       m_cl.println("Everything has been undone.");
-      return;
+      return true;
     }
     m_cl.println("UNDO: " + db.undoGroupName().toUtf8());
     db.undo();
   }
+  return true;
 }
 
 void HostSession::cmdRedo() {

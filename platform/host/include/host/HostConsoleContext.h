@@ -31,9 +31,13 @@ public:
   HostResult selectObjects(const OdString& prompt, OdDbObjectIdArray& ids) override;
   bool askYesNo(const OdString& question) override;
 
-private:
+protected:
   // The prompt as shown, with the keyword list in place of "%s".
   static std::string promptText(const OdString& prompt, const HostKeywordList& keywords);
+  HostCommandLine& commandLine() { return m_cl; }
+  HostApDocManager& documents() { return m_documents; }
+
+private:
   bool corner(const std::string& prompt, const std::vector<std::string>& tokens, size_t& next, OdGePoint2d& p);
 
   HostCommandLine& m_cl;

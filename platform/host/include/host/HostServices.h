@@ -3,6 +3,7 @@
 // or window) installs the implementations; tests install their own.
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <string>
 
@@ -20,3 +21,9 @@ void hostSetLanguage(const std::string& language);
 // an installed handler every question is answered No, so nothing is changed unasked.
 bool hostAskYesNo(const std::wstring& question);
 void hostSetYesNoHandler(std::function<bool(const std::wstring&)> handler);
+
+// Long work reports how far it got: `done` of `total` steps of `what` (a short
+// text such as "DIMREGEN"); done == total ends it. The window shows it in its
+// status bar and keeps painting; the console shows nothing.
+void hostProgress(const char* what, std::size_t done, std::size_t total);
+void hostSetProgressHandler(std::function<void(const char* what, std::size_t done, std::size_t total)> handler);

@@ -23,6 +23,19 @@ public:
 
   // Opens a drawing and makes it active; reports a failure and returns false.
   bool open(const std::string& path);
+  // Makes a drawing read elsewhere (the window reads large files off its GUI
+  // thread) an open document, the active one, reporting it as open() does.
+  HostApDocument* adopt(OdDbDatabasePtr db, const std::string& path);
+  // A new drawing, made elsewhere, as the active document.
+  HostApDocument* adoptNew(OdDbDatabasePtr db);
+  // Writes the document, reporting on the command line; false when it failed.
+  bool save(HostApDocument& doc, const std::string& path, const DxfSaveOptions& options);
+  // Undoes up to `count` steps of the active drawing, naming each; false when
+  // there was nothing to undo.
+  bool undoSteps(long count);
+  // The window host runs registered (dialog) commands; the console says they
+  // need the window.
+  void setDialogsAvailable(bool available) { m_dialogs = available; }
   // Runs "Command: " prompts until QUIT or the end of input.
   void run();
   // Runs one command by name: the session's own, then those of modules; false
@@ -35,6 +48,16 @@ public:
   void addCommand(const std::string& name, Command handler, bool undoable = true);
 
   HostApDocument* activeDocument() { return m_docManager.curDocument(); }
+  // Makes `doc` the active document (the window's tab that the user chose).
+  void activate(HostApDocument* doc);
+  // Closes `doc` without asking, reporting it as CLOSE does.
+  void close(HostApDocument* doc);
+  // A Yes/No question on the command line: the lines of the text, then a Yes/No
+  // prompt on its last line, No by default so that Enter changes nothing. Throws
+  // HostCancel as prompts do.
+  bool askYesNo(const std::wstring& question);
+  // QUIT or EXIT was entered.
+  bool quitRequested() const { return m_quit; }
   HostApDocManager& docManager() { return m_docManager; }
   // Every document, each with its documentToBeDestroyed; the program calls it
   // at exit before the modules unload.
@@ -53,7 +76,6 @@ private:
   void cmdUndo();
   void cmdRedo();
   void activeChanged();  // tells the host services which drawing is active
-  bool save(HostApDocument& doc, const std::string& path, const DxfSaveOptions& options);
   void runUndoable(const std::string& name, const Command& handler);
 
   HostCommandLine& m_cl;
@@ -66,4 +88,5 @@ private:
   std::map<std::string, CommandEntry> m_commands;  // upper-case names
   bool m_quit = false;
   bool m_fileError = false;
+  bool m_dialogs = false;
 };

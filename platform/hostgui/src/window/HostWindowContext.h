@@ -1,0 +1,28 @@
+// The host context of the window: the command line's prompts, and picking and
+// selecting with the mouse in the drawing view as well as by typing. Objects
+// selected before a command ("noun-verb") answer its "Select objects" at once;
+// while a prompt waits for objects or an entity, what the user picks in the view
+// is entered as the handles of the picked entities.
+#pragma once
+
+#include <functional>
+
+#include "host/HostConsoleContext.h"
+
+class HostWindowContext : public HostConsoleContext {
+public:
+  HostWindowContext(HostCommandLine& cl, HostApDocManager& documents);
+
+  // The view's selection before the command, and how to clear it once taken.
+  void setPreselection(std::function<OdDbObjectIdArray()> get, std::function<void()> clear);
+  // True while a prompt waits for entities, so that the view's picks answer it.
+  bool wantsPicks() const { return m_picking > 0; }
+
+  HostResult getEntity(const OdString& prompt, OdDbObjectId& id) override;
+  HostResult selectObjects(const OdString& prompt, OdDbObjectIdArray& ids) override;
+
+private:
+  std::function<OdDbObjectIdArray()> m_preselection;
+  std::function<void()> m_clearPreselection;
+  int m_picking = 0;
+};
