@@ -18,7 +18,6 @@
 #include <utility>
 #include <vector>
 
-#include "drawings/DimGeometry.h"
 #include "drawings/OdDbDatabase.h"
 #include "drawings/OdDbDimStyleTableRecord.h"
 #include "drawings/OdDbDimension.h"
@@ -26,6 +25,7 @@
 #include "drawings/OdDbLeader.h"
 #include "drawings/OdDbText.h"
 #include "drawings/OdDmUtil.h"
+#include "drawings/SampleDimensions.h"
 
 namespace {
 
@@ -44,79 +44,6 @@ struct P {
   P unit() const { return *this * (1.0 / length()); }
   static P polar(double degrees, double r) { return {r * std::cos(rad(degrees)), r * std::sin(rad(degrees))}; }
   operator OdGePoint3d() const { return OdGePoint3d{x, y, 0.0}; }
-};
-
-// Everything a program needs to add to one drawing's model space.
-class Drawing {
-public:
-  explicit Drawing(OdDbDatabasePtr db) : m_db(std::move(db)), m_ms(odOpen<OdDbBlockTableRecord>(m_db->getModelSpaceId(), OdDb::kForWrite)) {}
-
-  OdDbDatabase& db() { return *m_db; }
-
-  template <class T>
-  OdSmartPtr<T> add(OdSmartPtr<T> e, const OdString& layer) {
-    m_ms->appendOdDbEntity(e.get());
-    e->setLayer(layer);
-    return e;
-  }
-
-  void line(P a, P b, const OdString& layer) {
-    auto l = add(OdDbLine::createFor(*m_db), layer);
-    l->setStartPoint(a);
-    l->setEndPoint(b);
-  }
-
-  void circle(P c, double r, const OdString& layer) {
-    auto e = add(OdDbCircle::createFor(*m_db), layer);
-    e->setCenter(c);
-    e->setRadius(r);
-  }
-
-  void arc(P c, double r, double startDeg, double endDeg, const OdString& layer) {
-    auto e = add(OdDbArc::createFor(*m_db), layer);
-    e->setCenter(c);
-    e->setRadius(r);
-    e->setStartAngle(rad(startDeg));
-    e->setEndAngle(rad(endDeg));
-  }
-
-  void text(const OdString& s, P at, double height, const OdString& layer) {
-    auto e = add(OdDbText::createFor(*m_db), layer);
-    e->setPosition(at);
-    e->setHeight(height);
-    e->setTextString(s);
-  }
-
-  void mtext(const OdString& s, P at, double height, OdDbMText::AttachmentPoint attach, const OdString& layer) {
-    auto e = add(OdDbMText::createFor(*m_db), layer);
-    e->setLocation(at);
-    e->setTextHeight(height);
-    e->setAttachment(attach);
-    e->setContents(s);
-  }
-
-  OdDbObjectId style(const OdString& name) {
-    return odOpen<OdDbDimStyleTable>(m_db->getDimStyleTableId())->getAt(name);
-  }
-
-  // Computes the dimension's block. A style may have a child for this kind of
-  // dimension ("ISO-25$0" for linear ones): the block then shows the child's
-  // values while the dimension keeps naming its style, as a drawing made
-  // interactively holds it.
-  void makeBlock(OdDbDimension& dim, const char* childSuffix = nullptr) {
-    const OdDbObjectId parent = dim.dimensionStyle();
-    const OdDbObjectId child =
-        childSuffix ? style(odOpen<OdDbDimStyleTableRecord>(parent)->getName() + OdString::fromUtf8(childSuffix))
-                    : OdDbObjectId();
-    if (!child.isNull()) dim.setDimensionStyle(child);
-    const OdResult r = recomputeDimBlock(dim);
-    if (!child.isNull()) dim.setDimensionStyle(parent);
-    if (r != eOk) throw OdError(r, "a dimension block could not be computed");
-  }
-
-private:
-  OdDbDatabasePtr m_db;
-  OdDbBlockTableRecordPtr m_ms;
 };
 
 // ---- tables --------------------------------------------------------------------
@@ -279,7 +206,7 @@ OdDbDatabasePtr makeSample() {
   red.setColorIndex(1);
   db.setDimclrd(red);
 
-  Drawing d(pDb);
+  ModelSpaceBuilder d(db);
   const OdString part = L"Part", center = L"Center", dims = L"Dimensions", notes = L"Notes";
   auto centreCross = [&](P c, double half) {
     d.line(c - P{half, 0}, c + P{half, 0}, center);
@@ -494,7 +421,7 @@ OdDbDatabasePtr makeBenchDims() {
   constexpr int kLines = 5000, kDims = 5000;
   OdDbDatabasePtr pDb = OdDbDatabase::createNew(DxfVersion::R2018);
   OdDbDatabase& db = *pDb;
-  Drawing d(pDb);
+  ModelSpaceBuilder d(db);
   for (int i = 0; i < kLines; ++i) {
     const double x = (i % 100) * 20.0, y = (i / 100) * 20.0;
     d.line({x, y}, {x + 10.0 + (i % 7), y + (i % 5)}, L"0");

@@ -120,6 +120,13 @@ OdSmartPtr<OdDbArcDimension> OdDbArcDimension::createFor(const OdDbDatabase& db)
   return newDimension<OdDbArcDimension>(db, "ARC_DIMENSION", DxfVersion::R2004, 5, "AcDbArcDimension", own);
 }
 
+OdSmartPtr<VxHugeRadius> VxHugeRadius::createFor(const OdDbDatabase& db) {
+  // The stand-in centre, the jog point, the chord point, then the leader length.
+  DxfTagList own = originPoints({13, 14, 15});
+  own.emplace_back(40, "0.0");
+  return newDimension<VxHugeRadius>(db, "LARGE_RADIAL_DIMENSION", DxfVersion::R2004, 9, "AcDbRadialDimensionLarge", own);
+}
+
 const OdRxClass* odDimensionClassOfType(int typeCode) {
   switch (typeCode & 7) {
     case 0: return OdDbRotatedDimension::desc();

@@ -172,10 +172,17 @@ class VxHugeRadius : public OdDbDimension {
   ODRX_DECLARE_MEMBERS(VxHugeRadius)
 
 public:
+  // R2004 and later. Typed 9 in code 70, as files write it.
+  static OdSmartPtr<VxHugeRadius> createFor(const OdDbDatabase& db);
   OdGePoint3d center() const { return point("AcDbDimension", 10); }
+  void setCenter(const OdGePoint3d& p) { setPoint("AcDbDimension", 10, p); }
   OdGePoint3d chordPoint() const { return point("AcDbRadialDimensionLarge", 15); }
+  void setChordPoint(const OdGePoint3d& p) { setPoint("AcDbRadialDimensionLarge", 15, p); }
+  // The stand-in centre the dimension line starts from, near the arc.
   OdGePoint3d overrideCenter() const { return point("AcDbRadialDimensionLarge", 13); }
+  void setOverrideCenter(const OdGePoint3d& p) { setPoint("AcDbRadialDimensionLarge", 13, p); }
   OdGePoint3d jogPoint() const { return point("AcDbRadialDimensionLarge", 14); }
+  void setJogPoint(const OdGePoint3d& p) { setPoint("AcDbRadialDimensionLarge", 14, p); }
 };
 
 // The class of a DIMENSION entity by its type code (70).
