@@ -24,7 +24,8 @@ public:
   ~HostPalette() override;
 
   // The document whose property manager gives the properties; null shows nothing.
-  // The selection is dropped.
+  // The selection is dropped. The owner sets null before the document closes:
+  // the rows hold the drawing's objects.
   void setDocument(HostApDocument* document);
   HostApDocument* document() const { return m_document; }
   // Objects of the document's drawing. The filter stays on its kind while the
@@ -67,4 +68,5 @@ private:
   QLabel* m_message;
   QStringList m_collapsed;  // categories the user closed, kept over rebuilds
   bool m_refreshQueued = false;
+  bool m_changedInWrite = false;  // a property wrote during the model's write
 };

@@ -75,10 +75,15 @@ public:
   Qt::ItemFlags flags(const QModelIndex& index) const override;
   QVariant headerData(int section, Qt::Orientation orientation, int role = Qt::DisplayRole) const override;
 
+signals:
+  // setValue() is over, whatever its properties did.
+  void written();
+
 private:
   struct Row;
   struct Category;
   Row* rowOf(const QModelIndex& index) const;
+  void unbind();
 
   std::vector<std::unique_ptr<Category>> m_categories;
   IXREditablePropertySink* m_sink = nullptr;

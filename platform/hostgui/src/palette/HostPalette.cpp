@@ -7,6 +7,7 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QVBoxLayout>
+#include <utility>
 
 #include "drawings/OdDbDatabase.h"
 #include "host/HostApDocManager.h"
@@ -85,6 +86,11 @@ HostPalette::HostPalette(QWidget* parent) : QWidget(parent) {
   layout->addWidget(m_message);
   setFocusProxy(m_view);
 
+  connect(m_model, &HostPaletteModel::written, this, [this] {
+    if (!std::exchange(m_changedInWrite, false)) return;
+    m_model->reread();
+    emit drawingChanged();
+  });
   connect(m_filter, &QComboBox::currentIndexChanged, this, [this] { rebuildRows(); });
   connect(m_view, &QTreeView::collapsed, this, [this](const QModelIndex& i) {
     if (!m_collapsed.contains(i.data().toString())) m_collapsed << i.data().toString();
@@ -133,6 +139,12 @@ QString HostPalette::message() const { return m_message->isVisible() ? m_message
 
 void HostPalette::valueChanged() {
   showMessage(QString());
+  // The properties of one row (one per entity class) each tell of their part of
+  // a write: the owner hears of the drawing's change once, when the write is over.
+  if (m_model->isWriting()) {
+    m_changedInWrite = true;
+    return;
+  }
   m_model->reread();
   emit drawingChanged();
 }

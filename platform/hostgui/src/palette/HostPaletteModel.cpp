@@ -1,6 +1,7 @@
 #include "hostgui/HostPaletteModel.h"
 
 #include <QCoreApplication>
+#include <algorithm>
 
 #include "drawings/OdDbDatabase.h"
 #include "host/HostGeneralProperties.h"
@@ -83,20 +84,25 @@ HostPaletteModel::HostPaletteModel(QObject* parent) : QAbstractItemModel(parent)
 HostPaletteModel::~HostPaletteModel() { clear(); }
 
 void HostPaletteModel::clear() {
+  Q_ASSERT(!isWriting());
   beginResetModel();
+  unbind();
+  endResetModel();
+}
+
+void HostPaletteModel::unbind() {
   for (auto& c : m_categories)
     for (auto& r : c->rows)
       for (auto& p : r->bound) p->unadvise(m_sink);
   m_categories.clear();
   m_db = nullptr;
-  endResetModel();
 }
 
 void HostPaletteModel::rebuild(const std::vector<IOdProperty*>& properties, const OdDbObjectIdArray& selection,
                                OdDbDatabase* db) {
   Q_ASSERT(!isWriting());
-  clear();
   beginResetModel();
+  unbind();
   m_db = db;
   for (IOdProperty* property : properties) {
     if (!property || selection.empty()) continue;
@@ -175,6 +181,7 @@ HostResult HostPaletteModel::setValue(const QModelIndex& index, const QString& t
   --m_writing;
   row->read();
   emit dataChanged(index.siblingAtColumn(kLabelColumn), index.siblingAtColumn(kValueColumn));
+  emit written();
   return result;
 }
 

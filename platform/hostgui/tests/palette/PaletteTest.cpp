@@ -228,6 +228,8 @@ private slots:
     QTest::keyClick(combo, Qt::Key_Down);
     QTest::keyClicks(combo, "blu");
     QCOMPARE(combo->currentText(), QString("blue"));
+    if (qEnvironmentVariableIsSet("PALETTE_GRAB_DIR"))
+      m_palette->grab().save(qEnvironmentVariable("PALETTE_GRAB_DIR") + "/palette_editing.png");
     QCOMPARE(m_db->changeCount(), changes);
     QTest::keyClick(combo, Qt::Key_Return);
     QCoreApplication::processEvents();  // the delegate commits once the key is handled
@@ -337,7 +339,9 @@ private slots:
     zetaLeader.value = "two";
     m_palette->refresh();
     QCOMPARE(cell("Zeta", "A").data().toString(), QString());
+    QSignalSpy changed(m_palette.get(), &HostPalette::drawingChanged);
     QVERIFY(model()->setData(cell("Zeta", "A"), "three"));
+    QCOMPARE(changed.count(), 1);  // one change for the user, however many classes
     QCOMPARE(zetaLines.value, QString("three"));
     QCOMPARE(zetaLeader.value, QString("three"));
     QCOMPARE(cell("Zeta", "A").data().toString(), QString("three"));
