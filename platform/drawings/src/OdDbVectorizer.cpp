@@ -390,6 +390,7 @@ struct OdDbVectorizer::State {
   const OdGiTextMeasure& measure;
   int maxDepth = 16;
   OdGiVectorizeStats stats;
+  std::function<void(OdDbObjectId)> entityObserver;  // told each top-level entity of drawBlock
   const OdDbDatabase* layersOf = nullptr;
   std::unordered_map<std::wstring, LayerInfo> layers;  // folded name -> layer
   int lineWeightDefault = 25;
@@ -610,6 +611,10 @@ OdDbVectorizer::~OdDbVectorizer() = default;
 
 void OdDbVectorizer::setMaxDepth(int depth) { m_state->maxDepth = depth; }
 
+void OdDbVectorizer::setEntityObserver(std::function<void(OdDbObjectId)> observer) {
+  m_state->entityObserver = std::move(observer);
+}
+
 const OdGiVectorizeStats& OdDbVectorizer::stats() const { return m_state->stats; }
 
 namespace {
@@ -635,6 +640,7 @@ public:
       if (!entities[i]) continue;
       std::string_view name = entities[i]->dxfName();
       if (name == "VERTEX" || name == "ATTRIB" || name == "SEQEND") continue;
+      if (fr.depth == 0 && !fr.inBlock && m_s.entityObserver) m_s.entityObserver(list[i]);
       drawOne(*entities[i], fr, entities, i);
     }
   }

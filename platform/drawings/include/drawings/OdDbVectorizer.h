@@ -23,6 +23,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -62,6 +63,12 @@ public:
   void drawBlock(const OdDbDatabase& db, OdDbObjectId block = OdDbObjectId());
   // One entity, in world coordinates, as if it were in model space.
   void drawEntity(const OdDbEntity& entity);
+
+  // Told each entity of the block that drawBlock draws, before its primitives go
+  // to the sink (none when it is hidden): a sink can so keep every entity's
+  // primitives apart under the same visibility rules, with the vertices and
+  // attributes that follow polylines and references in the block.
+  void setEntityObserver(std::function<void(OdDbObjectId)> observer);
 
   const OdGiVectorizeStats& stats() const;
 
