@@ -14,7 +14,7 @@ namespace {
 
 constexpr double kDegrees = 180 / std::numbers::pi;
 
-bool finite(const OdGePoint2d& p) { return std::isfinite(p.x) && std::isfinite(p.y); }
+bool isFinite(const OdGePoint2d& p) { return std::isfinite(p.x) && std::isfinite(p.y); }
 QPointF qp(const OdGePoint2d& p) { return {p.x, p.y}; }
 
 // The text font measured once at a large size, where rounding does not show: the
@@ -90,12 +90,12 @@ private:
   }
 
   void draw(const OdGiLine& l) {
-    if (!finite(l.start) || !finite(l.end)) return;
+    if (!isFinite(l.start) || !isFinite(l.end)) return;
     stroke(l.traits);
     m_p.drawLine(qp(l.start), qp(l.end));
   }
   void draw(const OdGiArc& a) {
-    if (!finite(a.center) || !std::isfinite(a.radius)) return;
+    if (!isFinite(a.center) || !std::isfinite(a.radius)) return;
     stroke(a.traits);
     QRectF r(a.center.x - a.radius, a.center.y - a.radius, 2 * a.radius, 2 * a.radius);
     // Qt's angles turn from +x towards -y of the coordinates they are given in;
@@ -106,25 +106,25 @@ private:
     m_p.drawPath(path);
   }
   void draw(const OdGiCircle& c) {
-    if (!finite(c.center) || !std::isfinite(c.radius)) return;
+    if (!isFinite(c.center) || !std::isfinite(c.radius)) return;
     stroke(c.traits);
     m_p.drawEllipse(qp(c.center), c.radius, c.radius);
   }
   void draw(const OdGiPolyline& pl) {
-    if (pl.points.size() < 2 || !std::all_of(pl.points.begin(), pl.points.end(), finite)) return;
+    if (pl.points.size() < 2 || !std::all_of(pl.points.begin(), pl.points.end(), isFinite)) return;
     stroke(pl.traits);
     const auto& pts = points(pl.points);
     if (pl.closed) m_p.drawPolygon(pts.data(), int(pts.size()));
     else m_p.drawPolyline(pts.data(), int(pts.size()));
   }
   void draw(const OdGiPolygon& pg) {
-    if (pg.points.size() < 2 || !std::all_of(pg.points.begin(), pg.points.end(), finite)) return;
+    if (pg.points.size() < 2 || !std::all_of(pg.points.begin(), pg.points.end(), isFinite)) return;
     fill(pg.traits);
     const auto& pts = points(pg.points);
     m_p.drawPolygon(pts.data(), int(pts.size()));
   }
   void draw(const OdGiPoint& pt) {
-    if (!finite(pt.position)) return;
+    if (!isFinite(pt.position)) return;
     // A dot of at least a pixel's radius, whatever the zoom.
     QColor c = colorOf(pt.traits);
     double r = std::max(1.0, hostPenWidth(pt.traits.lineWeight, m_o) / 2);
@@ -137,12 +137,12 @@ private:
     m_p.restore();
   }
   void draw(const OdGiText& t) {
-    if (!finite(t.position) || t.text.isEmpty() || !(t.height > 0)) return;
+    if (!isFinite(t.position) || t.text.isEmpty() || !(t.height > 0)) return;
     double cap = t.height * scaleOf(m_t);
     if (!std::isfinite(cap) || cap < m_o.minTextPixels / 4) return;
     if (cap < m_o.minTextPixels) {
       // Too small to read: its box shows where it is.
-      if (!std::all_of(std::begin(t.box), std::end(t.box), finite)) return;
+      if (!std::all_of(std::begin(t.box), std::end(t.box), isFinite)) return;
       stroke(t.traits);
       QPointF box[4] = {qp(t.box[0]), qp(t.box[1]), qp(t.box[2]), qp(t.box[3])};
       m_p.drawPolygon(box, 4);
