@@ -122,7 +122,7 @@ HelpWindow::HelpWindow(QWidget* parent) : QWidget(parent, Qt::Window) {
   split->addWidget(m_contents);
   split->addWidget(m_browser);
   split->setStretchFactor(1, 1);
-  split->setSizes({200, 560});
+  split->setSizes({250, 590});
 
   auto* buttons = new QHBoxLayout;
   buttons->addWidget(m_back);
@@ -147,7 +147,7 @@ HelpWindow::HelpWindow(QWidget* parent) : QWidget(parent, Qt::Window) {
   m_back->setEnabled(false);
   m_forward->setEnabled(false);
 
-  resize(800, 560);
+  resize(860, 580);
   retranslate();
 }
 
@@ -169,6 +169,7 @@ void HelpWindow::fillContents() {
     seen << url.toString();
     auto* item = new QListWidgetItem(help::pageTitle(url), m_contents);
     item->setData(Qt::UserRole, url);
+    item->setToolTip(item->text());
   }
 }
 
