@@ -1,12 +1,13 @@
-// Painting a scene fast: its primitives grouped once into a few paths in world
-// units (one per colour and lineweight for lines and curves, one per colour for
-// fills), which each repaint only sends through the view's transform. Texts stay
+// Painting a scene fast: its primitives grouped once, in world units, by colour
+// and lineweight, so that each repaint sets a pen a handful of times and only
+// sends the groups through the view's transform. Texts stay
 // single, as their look depends on the zoom: readable ones are set in the font,
 // smaller ones drawn as their boxes (grouped too) or left out.
 #pragma once
 
 #include <QPainterPath>
 #include <QPen>
+#include <QPolygonF>
 #include <vector>
 
 #include "hostgui/HostPaint.h"
@@ -27,14 +28,19 @@ public:
              const HostPaintOptions& options, const QPen* highlight = nullptr) const;
 
 private:
+  // Qt strokes a long QPainterPath far slower than the same segments handed
+  // over as one array (and dashes it slower still): lines go in arrays, chains
+  // and curves one by one.
   struct Stroke {
     OdGiColor color;
     int lineWeight = 0;
-    QPainterPath path;
+    std::vector<QLineF> lines;
+    std::vector<QPolygonF> chains, closedChains;
+    std::vector<QPainterPath> curves;  // arcs and circles
   };
   struct Fill {
     OdGiColor color;
-    QPainterPath path;
+    std::vector<QPolygonF> polygons;
   };
   // Texts of one colour whose heights lie within a factor of two: at any zoom
   // they are all readable, all boxes, or (rarely) some of each.
@@ -43,7 +49,7 @@ private:
     int octave = 0;  // floor(log2(height))
     double minHeight = 0, maxHeight = 0;
     std::vector<const OdGiText*> texts;
-    QPainterPath boxes;
+    std::vector<QLineF> boxes;  // four sides a text
   };
 
   std::vector<Stroke> m_strokes;

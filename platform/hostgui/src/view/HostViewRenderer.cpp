@@ -21,24 +21,12 @@ T& groupFor(std::vector<T>& groups, const Same& same, const Init& init) {
   return groups.back();
 }
 
-void addChain(QPainterPath& path, const std::vector<OdGePoint2d>& pts, bool closed) {
-  if (pts.empty() || !std::all_of(pts.begin(), pts.end(), isFinite)) return;
-  path.moveTo(pts[0].x, pts[0].y);
-  for (size_t i = 1; i < pts.size(); ++i) path.lineTo(pts[i].x, pts[i].y);
-  if (closed) path.closeSubpath();
-}
-
-// Fills go into one path under the non-zero rule, so every outline must turn the
-// same way, or two overlapping arrowheads would cut a hole in each other.
-void addCounterClockwise(QPainterPath& path, const OdGePoint2d* pts, size_t n) {
-  if (n < 2 || !std::all_of(pts, pts + n, isFinite)) return;
-  double area = 0;
-  for (size_t i = 0, j = n - 1; i < n; j = i++) area += (pts[j].x - pts[i].x) * (pts[j].y + pts[i].y);
-  bool reversed = area > 0;  // clockwise in y-up coordinates
-  auto at = [&](size_t i) { return reversed ? pts[n - 1 - i] : pts[i]; };
-  path.moveTo(at(0).x, at(0).y);
-  for (size_t i = 1; i < n; ++i) path.lineTo(at(i).x, at(i).y);
-  path.closeSubpath();
+QPolygonF polygonOf(const OdGePoint2d* pts, size_t n) {
+  QPolygonF out;
+  if (!std::all_of(pts, pts + n, isFinite)) return out;
+  out.reserve(qsizetype(n));
+  for (size_t i = 0; i < n; ++i) out.append(QPointF(pts[i].x, pts[i].y));
+  return out;
 }
 
 double scaleOf(const QTransform& t) { return std::sqrt(std::abs(t.m11() * t.m22() - t.m12() * t.m21())); }
@@ -58,39 +46,39 @@ bool HostViewRenderer::isEmpty() const {
 
 void HostViewRenderer::build(const HostViewScene& scene, const std::vector<int>* indices) {
   clear();
-  auto stroke = [&](const OdGiTraits& t) -> QPainterPath& {
+  auto stroke = [&](const OdGiTraits& t) -> Stroke& {
     return groupFor(
-               m_strokes, [&](const Stroke& s) { return s.color == t.color && s.lineWeight == t.lineWeight; },
-               [&](Stroke& s) { s.color = t.color, s.lineWeight = t.lineWeight; })
-        .path;
+        m_strokes, [&](const Stroke& s) { return s.color == t.color && s.lineWeight == t.lineWeight; },
+        [&](Stroke& s) { s.color = t.color, s.lineWeight = t.lineWeight; });
   };
   auto add = [&](const HostViewScene::Entity& e) {
     for (const auto& item : e.primitives.items()) {
       if (auto l = std::get_if<OdGiLine>(&item)) {
-        if (!isFinite(l->start) || !isFinite(l->end)) continue;
-        QPainterPath& p = stroke(l->traits);
-        p.moveTo(l->start.x, l->start.y);
-        p.lineTo(l->end.x, l->end.y);
+        if (isFinite(l->start) && isFinite(l->end))
+          stroke(l->traits).lines.emplace_back(l->start.x, l->start.y, l->end.x, l->end.y);
       } else if (auto a = std::get_if<OdGiArc>(&item)) {
         if (!isFinite(a->center) || !std::isfinite(a->radius)) continue;
         QRectF r(a->center.x - a->radius, a->center.y - a->radius, 2 * a->radius, 2 * a->radius);
         // Angles negated: Qt's turn towards -y of the coordinates given, ours towards +y.
-        QPainterPath& p = stroke(a->traits);
+        QPainterPath p;
         p.arcMoveTo(r, -a->startAngle * kDegrees);
         p.arcTo(r, -a->startAngle * kDegrees, -(a->endAngle - a->startAngle) * kDegrees);
+        stroke(a->traits).curves.push_back(std::move(p));
       } else if (auto c = std::get_if<OdGiCircle>(&item)) {
         if (!isFinite(c->center) || !std::isfinite(c->radius)) continue;
-        stroke(c->traits).addEllipse(QPointF(c->center.x, c->center.y), c->radius, c->radius);
+        QPainterPath p;
+        p.addEllipse(QPointF(c->center.x, c->center.y), c->radius, c->radius);
+        stroke(c->traits).curves.push_back(std::move(p));
       } else if (auto pl = std::get_if<OdGiPolyline>(&item)) {
-        addChain(stroke(pl->traits), pl->points, pl->closed);
+        QPolygonF poly = polygonOf(pl->points.data(), pl->points.size());
+        if (poly.size() >= 2) (pl->closed ? stroke(pl->traits).closedChains : stroke(pl->traits).chains).push_back(poly);
       } else if (auto pg = std::get_if<OdGiPolygon>(&item)) {
-        Fill& f = groupFor(
+        QPolygonF poly = polygonOf(pg->points.data(), pg->points.size());
+        if (poly.size() < 2) continue;
+        groupFor(
             m_fills, [&](const Fill& f) { return f.color == pg->traits.color; },
-            [&](Fill& f) {
-              f.color = pg->traits.color;
-              f.path.setFillRule(Qt::WindingFill);
-            });
-        addCounterClockwise(f.path, pg->points.data(), pg->points.size());
+            [&](Fill& f) { f.color = pg->traits.color; })
+            .polygons.push_back(std::move(poly));
       } else if (auto pt = std::get_if<OdGiPoint>(&item)) {
         if (isFinite(pt->position)) m_points.push_back(pt);
       } else if (auto t = std::get_if<OdGiText>(&item)) {
@@ -106,11 +94,11 @@ void HostViewRenderer::build(const HostViewScene& scene, const std::vector<int>*
         g.minHeight = std::min(g.minHeight, t->height);
         g.maxHeight = std::max(g.maxHeight, t->height);
         g.texts.push_back(t);
-        if (std::all_of(std::begin(t->box), std::end(t->box), isFinite)) {
-          g.boxes.moveTo(t->box[0].x, t->box[0].y);
-          for (int i = 1; i < 4; ++i) g.boxes.lineTo(t->box[i].x, t->box[i].y);
-          g.boxes.closeSubpath();
-        }
+        if (std::all_of(std::begin(t->box), std::end(t->box), isFinite))
+          for (int i = 0; i < 4; ++i) {
+            const OdGePoint2d &p = t->box[i], &q = t->box[(i + 1) % 4];
+            g.boxes.emplace_back(p.x, p.y, q.x, q.y);
+          }
       }
     }
   };
@@ -142,12 +130,15 @@ void HostViewRenderer::paint(QPainter& painter, const QTransform& worldToDevice,
     // Outlined in the fill colour too, so that thin fills (arrowheads far out) still show.
     painter.setPen(penOf(f.color, 1));
     painter.setBrush(colorOf(f.color));
-    painter.drawPath(f.path);
+    for (const QPolygonF& p : f.polygons) painter.drawPolygon(p, Qt::WindingFill);
   }
   painter.setBrush(Qt::NoBrush);
   for (const Stroke& s : m_strokes) {
     painter.setPen(penOf(s.color, hostPenWidth(s.lineWeight, o)));
-    painter.drawPath(s.path);
+    painter.drawLines(s.lines.data(), int(s.lines.size()));
+    for (const QPolygonF& p : s.chains) painter.drawPolyline(p);
+    for (const QPolygonF& p : s.closedChains) painter.drawPolygon(p);
+    for (const QPainterPath& p : s.curves) painter.drawPath(p);
   }
 
   double scale = scaleOf(worldToDevice);
@@ -162,7 +153,7 @@ void HostViewRenderer::paint(QPainter& painter, const QTransform& worldToDevice,
     if (g.maxHeight < seen) continue;
     if (g.maxHeight < readable) {
       painter.setPen(penOf(g.color, 1));
-      painter.drawPath(g.boxes);
+      painter.drawLines(g.boxes.data(), int(g.boxes.size()));
       continue;
     }
     // Readable, or some of each: hostPaintPrimitive decides for every text.
