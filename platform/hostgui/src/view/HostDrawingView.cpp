@@ -115,7 +115,8 @@ void HostDrawingView::selectionUpdated() {
 }
 
 void HostDrawingView::updateAccessibleDescription() {
-  setAccessibleDescription(tr("%n entities selected", nullptr, int(m_selection.size())));
+  // Worded so that one form fits every count, in English and in Russian.
+  setAccessibleDescription(tr("Entities selected: %1").arg(m_selection.size()));
 }
 
 void HostDrawingView::zoomExtents() {

@@ -2,6 +2,7 @@
 // remove, Ctrl+A and Escape, wheel zoom about the cursor, and what it paints.
 #include <QSignalSpy>
 #include <QTest>
+#include <QTranslator>
 #include <QWheelEvent>
 #include <cmath>
 
@@ -59,6 +60,7 @@ private slots:
   void paintsTheDrawingAndItsSelection();
   void drawingChangedDropsErasedSelection();
   void accessibleDescriptionCountsTheSelection();
+  void russianTexts();
 };
 
 void HostDrawingViewTest::windowLeftToRightTakesWhatIsInside() {
@@ -207,6 +209,17 @@ void HostDrawingViewTest::accessibleDescriptionCountsTheSelection() {
   QVERIFY(!s.view.accessibleName().isEmpty());
   s.view.setSelection({s.left, s.right});
   QVERIFY2(s.view.accessibleDescription().contains("2"), qPrintable(s.view.accessibleDescription()));
+}
+
+void HostDrawingViewTest::russianTexts() {
+  QTranslator ru;
+  QVERIFY(ru.load(QStringLiteral(":/i18n/view_ru.qm")));
+  QCoreApplication::installTranslator(&ru);
+  ViewSample s;
+  s.view.setSelection({s.left});
+  QCoreApplication::removeTranslator(&ru);
+  QCOMPARE(s.view.accessibleName(), QString::fromUtf8("Чертёж"));
+  QCOMPARE(s.view.accessibleDescription(), QString::fromUtf8("Выбрано объектов: 1"));
 }
 
 int runHostDrawingViewTest(int argc, char** argv) {
