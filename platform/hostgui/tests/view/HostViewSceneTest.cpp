@@ -8,7 +8,11 @@
 
 #include "ViewTestSupport.h"
 #include "drawings/OdResult.h"
+#include "hostgui/HostPaint.h"
+#include "hostgui/HostViewRenderer.h"
 #include "hostgui/HostViewScene.h"
+#include <QImage>
+#include <QPainter>
 
 using namespace viewtest;
 
@@ -68,6 +72,8 @@ private slots:
   void layoutsByTheirNamesInTabOrder();
   void layoutsOfEveryCorpusFileBuild();
   void paperSpaceEntitiesShowInTheirLayoutOnly();
+  void groupedPaintingMatchesThePlainPainter_data();
+  void groupedPaintingMatchesThePlainPainter();
 };
 
 void HostViewSceneTest::windowAndCrossing_data() {
@@ -257,6 +263,53 @@ void HostViewSceneTest::paperSpaceEntitiesShowInTheirLayoutOnly() {
   }
   QVERIFY(refused);
   QCOMPARE(scene.all(), OdDbObjectIdArray{paper});
+}
+
+void HostViewSceneTest::groupedPaintingMatchesThePlainPainter_data() {
+  QTest::addColumn<double>("zoom");
+  QTest::addColumn<bool>("lineWeights");
+  QTest::newRow("extents") << 1.0 << false;
+  QTest::newRow("extents, lineweights") << 1.0 << true;
+  QTest::newRow("zoomed in, texts readable") << 6.0 << false;
+}
+
+// The view's grouped painting must paint what the plain painter paints: every
+// primitive, arcs turning the right way, colours, fills and texts.
+void HostViewSceneTest::groupedPaintingMatchesThePlainPainter() {
+  QFETCH(double, zoom);
+  QFETCH(bool, lineWeights);
+  OdDbDatabasePtr db = OdDbDatabase::readDxfFile(SAMPLES_DIR "/dimstyles.dxf");
+  HostViewScene scene;
+  scene.build(*db);
+  HostViewRenderer renderer;
+  renderer.build(scene);
+  const QSize size(800, 500);
+  QTransform t = hostFitTransform(scene.extents(), QRectF(QPointF(0, 0), QSizeF(size)), 10) *
+                 QTransform::fromTranslate(-400, -250) * QTransform::fromScale(zoom, zoom) *
+                 QTransform::fromTranslate(400, 250);
+  HostPaintOptions o;
+  o.lineWeights = lineWeights;
+  QImage plain(size, QImage::Format_ARGB32_Premultiplied), grouped = plain;
+  plain.fill(o.background);
+  grouped.fill(o.background);
+  {
+    QPainter p(&plain);
+    for (const auto& e : scene.entities()) hostPaintPrimitives(p, e.primitives, t, o);
+  }
+  {
+    QPainter p(&grouped);
+    renderer.paint(p, t, QRectF(QPointF(0, 0), QSizeF(size)), o);
+  }
+  int ink = 0, differ = 0;
+  for (int y = 0; y < size.height(); ++y)
+    for (int x = 0; x < size.width(); ++x) {
+      QColor a = plain.pixelColor(x, y), b = grouped.pixelColor(x, y);
+      if (a != o.background) ++ink;
+      if (std::abs(a.red() - b.red()) + std::abs(a.green() - b.green()) + std::abs(a.blue() - b.blue()) > 96) ++differ;
+    }
+  QVERIFY(ink > 2000);
+  // Overlaps paint in another order (fills go first): a few pixels may differ.
+  QVERIFY2(differ < ink / 50, qPrintable(QStringLiteral("%1 of %2 pixels differ").arg(differ).arg(ink)));
 }
 
 int runHostViewSceneTest(int argc, char** argv) {
