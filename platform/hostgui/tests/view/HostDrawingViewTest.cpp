@@ -56,6 +56,7 @@ private slots:
   void selectAllAndEscape();
   void wheelZoomKeepsThePointUnderTheCursor();
   void keysPanAndZoom();
+  void middleDragPansAndDoubleClickZoomsExtents();
   void zoomExtentsShowsEverything();
   void paintsTheDrawingAndItsSelection();
   void drawingChangedDropsErasedSelection();
@@ -153,6 +154,23 @@ void HostDrawingViewTest::keysPanAndZoom() {
   QVERIFY(s.view.viewTransform().m11() > 10);
   QTest::keyClick(&s.view, Qt::Key_Home);
   QVERIFY(s.view.viewTransform().m11() != 10 * 1.25);
+}
+
+void HostDrawingViewTest::middleDragPansAndDoubleClickZoomsExtents() {
+  ViewSample s;
+  const QPointF world = s.view.toWorld(QPointF(100, 100));
+  QTest::mousePress(&s.view, Qt::MiddleButton, {}, QPoint(100, 100));
+  QTest::mouseMove(&s.view, QPoint(130, 90));
+  QTest::mouseMove(&s.view, QPoint(160, 80));
+  QTest::mouseRelease(&s.view, Qt::MiddleButton, {}, QPoint(160, 80));
+  // The point grabbed went with the mouse; the zoom stayed.
+  QPointF now = s.view.viewTransform().map(world);
+  QVERIFY(std::abs(now.x() - 160) < 1e-9 && std::abs(now.y() - 80) < 1e-9);
+  QCOMPARE(s.view.viewTransform().m11(), 10.0);
+  QTest::mouseDClick(&s.view, Qt::MiddleButton, {}, QPoint(160, 80));
+  const OdGiExtents& e = s.view.scene().extents();
+  QVERIFY(QRectF(s.view.rect()).contains(s.view.viewTransform().map(QPointF(e.max.x, e.max.y))));
+  QVERIFY(s.view.viewTransform().m11() != 10.0);
 }
 
 void HostDrawingViewTest::zoomExtentsShowsEverything() {

@@ -7,6 +7,7 @@
 #include <numbers>
 
 #include "ViewTestSupport.h"
+#include "drawings/OdDbBlockBuilder.h"
 #include "drawings/OdResult.h"
 #include "hostgui/HostPaint.h"
 #include "hostgui/HostViewRenderer.h"
@@ -67,6 +68,7 @@ private slots:
   void pick_data();
   void pick();
   void hiddenLayersStayHidden();
+  void aReferenceIsOneEntity();
   void primitivesTouchRectangles_data();
   void primitivesTouchRectangles();
   void layoutsByTheirNamesInTabOrder();
@@ -147,6 +149,33 @@ void HostViewSceneTest::hiddenLayersStayHidden() {
   // The hidden lines reach x = 210, past everything shown but the lines at 300.
   QCOMPARE(s.scene.extents().max.x, 310.0);
   QVERIFY(s.scene.stats().hidden >= 2);
+}
+
+void HostViewSceneTest::aReferenceIsOneEntity() {
+  // A block of two lines placed twice: each reference is one entity, found by
+  // any of its lines, and the block's own lines are no entities of model space.
+  OdDbDatabasePtr db = OdDbDatabase::createNew(DxfVersion::R2018, true);
+  OdDbObjectId block = odCreateBlock(*db, L"Pair");
+  for (double y : {0.0, 1.0}) {
+    auto l = OdDbLine::createFor(*db);
+    l->setStartPoint({0, y, 0});
+    l->setEndPoint({1, y, 0});
+    odOpen<OdDbBlockTableRecord>(block, OdDb::kForWrite)->appendOdDbEntity(l.get());
+  }
+  OdDbObjectIdArray refs;
+  for (double x : {0.0, 10.0}) {
+    auto ref = OdDbBlockReference::createFor(*db);
+    ref->setBlockTableRecord(block);
+    ref->setPosition({x, 0, 0});
+    refs.push_back(modelSpace(*db)->appendOdDbEntity(ref.get()));
+  }
+  HostViewScene scene;
+  scene.build(*db);
+  QCOMPARE(scene.all(), refs);
+  QCOMPARE(scene.entities()[1].primitives.items().size(), size_t(2));
+  QCOMPARE(scene.pick({10.5, 1}, 0.1), refs[1]);
+  QCOMPARE(scene.window({9, -1}, {12, 0.5}), OdDbObjectIdArray{});
+  QCOMPARE(scene.crossing({9, -1}, {12, 0.5}), OdDbObjectIdArray{refs[1]});
 }
 
 void HostViewSceneTest::primitivesTouchRectangles_data() {
