@@ -26,12 +26,14 @@ public:
   OdDbDatabase* database() const { return m_db; }
   // The layout shown: a block record from hostViewLayouts(), null for model space.
   void setLayout(OdDbObjectId layout);
+  using QWidget::setLayout;  // the widget's own, for a QLayout
   OdDbObjectId layout() const { return m_layout; }
   // The drawing changed: builds the scene again, keeping the view and the
   // selected entities that are still shown.
   void drawingChanged();
 
   OdDbObjectIdArray selection() const { return m_selection; }
+  // Entities that the view does not show (other layouts, hidden layers) are left out.
   void setSelection(const OdDbObjectIdArray& ids);
   void clearSelection();
   void selectAll();  // every entity shown
@@ -47,7 +49,7 @@ public:
   void setViewTransform(const QTransform& t);
   QPointF toWorld(const QPointF& widgetPoint) const;
   const HostViewScene& scene() const { return m_scene; }
-  // Side of the pick box, in pixels.
+  // How near, in pixels, a click must come to an entity's ink to pick it.
   static constexpr int kPickBox = 5;
 
 signals:
