@@ -67,6 +67,8 @@ private slots:
   void filledPolygons();
   void textAtItsCapitalHeight();
   void textWidthFactorRotationAndFit();
+  void textMirroredAndSlanted_data();
+  void textMirroredAndSlanted();
   void tinyTextIsItsBox();
   void overridePaintsOneColour();
 };
@@ -211,6 +213,54 @@ void HostPaintTest::textWidthFactorRotationAndFit() {
   double ink = base.width() * 150 / hostTextMeasure().lineWidth(t.text, t.height);
   QVERIFY2(std::abs(f.width() - ink) <= 4, qPrintable(QString::number(f.width())));
   QVERIFY(std::abs(f.center().x() - 100) <= 2);
+}
+
+void HostPaintTest::textMirroredAndSlanted_data() {
+  QTest::addColumn<bool>("backward");
+  QTest::addColumn<bool>("upsideDown");
+  QTest::addColumn<double>("oblique");
+  QTest::addColumn<int>("side");      // where the ink lies from the position: +1 right, -1 left
+  QTest::addColumn<int>("above");     // +1 above the baseline, -1 below
+  QTest::addColumn<int>("topLeans");  // the top row's ink against the bottom row's: +1 right, 0 upright
+  QTest::newRow("plain") << false << false << 0.0 << 1 << 1 << 0;
+  QTest::newRow("backward") << true << false << 0.0 << -1 << 1 << 0;
+  QTest::newRow("upside down") << false << true << 0.0 << 1 << -1 << 0;
+  QTest::newRow("both") << true << true << 0.0 << -1 << -1 << 0;
+  QTest::newRow("oblique 30 degrees") << false << false << kPi / 6 << 1 << 1 << 1;
+}
+
+void HostPaintTest::textMirroredAndSlanted() {
+  QFETCH(bool, backward);
+  QFETCH(bool, upsideDown);
+  QFETCH(double, oblique);
+  QFETCH(int, side);
+  QFETCH(int, above);
+  QFETCH(int, topLeans);
+  OdGiText t;
+  t.traits = traits(2);
+  t.position = {100, 100};
+  t.height = 40;
+  t.oblique = oblique;
+  t.backward = backward;
+  t.upsideDown = upsideDown;
+  t.text = L"I";
+  OdGiRecorder r;
+  r.text(t);
+  QImage img = paint(r);
+  QRect ink = inkBounds(img, kDark);
+  QVERIFY(!ink.isEmpty());
+  QCOMPARE(ink.center().x() > 100 ? 1 : -1, side);
+  QCOMPARE(ink.center().y() > 100 ? 1 : -1, above);
+  // The ink's middle in the glyph's top and bottom rows.
+  auto middleOf = [&](int worldY) {
+    double sum = 0, n = 0;
+    for (int x = 0; x < img.width(); ++x)
+      if (img.pixelColor(x, 199 - worldY) != kDark) sum += x, ++n;
+    return n ? sum / n : -1.0;
+  };
+  double lean = middleOf(ink.bottom() - 2) - middleOf(ink.top() + 2);  // world top minus bottom
+  int leans = std::abs(lean) < 3 ? 0 : lean > 0 ? 1 : -1;
+  QCOMPARE(leans, topLeans);
 }
 
 void HostPaintTest::tinyTextIsItsBox() {
