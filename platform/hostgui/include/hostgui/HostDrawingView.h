@@ -93,7 +93,8 @@ private:
   bool m_dark = true;
   bool m_lineWeights = false;
 
-  // The drawing rendered for the current view, and it with the selection over it.
+  // The drawing rendered for the current view, and it with the selection over it
+  // (while there is one).
   QImage m_base, m_composite;
   bool m_baseValid = false, m_compositeValid = false;
 

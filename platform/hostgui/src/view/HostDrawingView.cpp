@@ -175,28 +175,35 @@ void HostDrawingView::paintEvent(QPaintEvent*) {
   const qreal dpr = devicePixelRatioF();
   const QSize pixels = (QSizeF(size()) * dpr).toSize();
   HostPaintOptions options = paintOptions();
+  // The images are reused while the size stays: a new 1920 x 1080 image costs
+  // the kernel 8 MB of fresh pages, a tenth of a frame.
   if (!m_baseValid || m_base.size() != pixels) {
-    m_base = QImage(pixels, QImage::Format_ARGB32_Premultiplied);
-    m_base.setDevicePixelRatio(dpr);
+    if (m_base.size() != pixels) {
+      m_base = QImage(pixels, QImage::Format_ARGB32_Premultiplied);
+      m_base.setDevicePixelRatio(dpr);
+    }
     m_base.fill(options.background);
     QPainter p(&m_base);
     m_renderer.paint(p, m_view, QRectF(rect()), options);
     m_baseValid = true;
     m_compositeValid = false;
   }
-  if (!m_compositeValid) {
-    if (m_selectedRenderer.isEmpty()) {
-      m_composite = m_base;  // shared, not copied
-    } else {
-      m_composite = m_base.copy();
-      QPainter p(&m_composite);
-      QPen pen = highlightPen();
-      m_selectedRenderer.paint(p, m_view, QRectF(rect()), options, &pen);
+  const bool selected = !m_selectedRenderer.isEmpty();
+  if (selected && !m_compositeValid) {
+    if (m_composite.size() != pixels) {
+      m_composite = QImage(pixels, QImage::Format_ARGB32_Premultiplied);
+      m_composite.setDevicePixelRatio(dpr);
     }
+    QPainter p(&m_composite);
+    p.setCompositionMode(QPainter::CompositionMode_Source);
+    p.drawImage(0, 0, m_base);
+    p.setCompositionMode(QPainter::CompositionMode_SourceOver);
+    QPen pen = highlightPen();
+    m_selectedRenderer.paint(p, m_view, QRectF(rect()), options, &pen);
     m_compositeValid = true;
   }
   QPainter p(this);
-  p.drawImage(0, 0, m_composite);
+  p.drawImage(0, 0, selected ? m_composite : m_base);
   if (m_dragging) {
     // Left to right: a window (solid blue) takes what lies inside; right to left:
     // a crossing window (dashed green) also takes what it touches.
