@@ -40,7 +40,8 @@ private:
   };
   struct Fill {
     OdGiColor color;
-    std::vector<QPolygonF> polygons;
+    std::vector<QPolygonF> polygons;  // largest first
+    std::vector<double> sizes;        // each one's larger side, world units, for the split by zoom
   };
   // Texts of one colour whose heights lie within a factor of two: at any zoom
   // they are all readable, all boxes, or (rarely) some of each.
