@@ -1,5 +1,6 @@
 #include "drawings/OdDbLinetypeRecord.h"
 
+#include <algorithm>
 #include <cmath>
 #include <numbers>
 
@@ -79,10 +80,24 @@ void OdDbLinetypeData::applyTo(OdDbLinetypeTableRecord& record) const {
   record.assertWriteEnabled();
   const OdDbObject::Range r = ownRange(record, "AcDbLinetypeTableRecord");
   DxfTagList& t = record.tagsForWrite();
-  // The pattern runs from the description to the end of the record's own tags;
-  // the name and flags before it (and anything after, such as extended data) stay.
-  size_t from = r.begin;
-  while (from < r.end && (t[from].code == 2 || t[from].code == 70)) ++from;
+  // The pattern's codes are replaced where they stood (at the end of the record's
+  // own tags when it had none); the name, flags, handle and anything unknown stay.
+  auto isPatternCode = [](int c) {
+    return c == 3 || c == 72 || c == 73 || c == 40 || c == 49 || c == 74 || c == 75 || c == 340 || c == 46 ||
+           c == 50 || c == 44 || c == 45 || c == 9;
+  };
+  size_t from = r.end;
+  size_t end = r.end;
+  for (size_t i = r.begin; i < end;) {
+    if (isPatternCode(t[i].code)) {
+      from = std::min(from, i);
+      t.erase(t.begin() + static_cast<long>(i));
+      --end;
+    } else {
+      ++i;
+    }
+  }
+  from = std::min(from, end);
   const bool modern = record.database() && dxfver::hasObjects(record.database()->version());
   DxfTagList out;
   out.emplace_back(3, record.encodeText(description));
@@ -102,7 +117,6 @@ void OdDbLinetypeData::applyTo(OdDbLinetypeTableRecord& record) const {
     out.emplace_back(45, dxfFormatDouble(d.yOffset));
     if (d.complexType & 2) out.emplace_back(9, record.encodeText(d.text));
   }
-  t.erase(t.begin() + static_cast<long>(from), t.begin() + static_cast<long>(r.end));
   t.insert(t.begin() + static_cast<long>(from), out.begin(), out.end());
 }
 

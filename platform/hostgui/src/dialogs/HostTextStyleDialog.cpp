@@ -105,7 +105,7 @@ HostTextStyleDialog::HostTextStyleDialog(OdDbDatabase* db, const QString& select
     m_shown = name;
     showStyle();
   });
-  for (QLineEdit* e : {m_height, m_width, m_oblique}) connect(e, &QLineEdit::textEdited, this, &HostTextStyleDialog::updateButtons);
+  for (QLineEdit* e : {m_height, m_width, m_oblique}) connect(e, &QLineEdit::textChanged, this, &HostTextStyleDialog::updateButtons);
   connect(m_font, &QComboBox::currentTextChanged, this, [this] {
     QFont f(m_font->currentText());
     f.setPointSizeF(font().pointSizeF() * 1.5);
@@ -149,7 +149,7 @@ void HostTextStyleDialog::showStyle() {
 }
 
 bool HostTextStyleDialog::isDirty() const {
-  if (m_shown.isEmpty()) return false;
+  if (m_shown.isEmpty() || m_styles.idOf(m_shown).isNull()) return false;
   const OdDbTextStyleData d = m_styles.data(m_shown);
   return m_font->currentText() != HostFontFiles::displayName(d) ||
          m_height->text() != HostTextStyleValues::format(Field::Height, d.textSize) ||

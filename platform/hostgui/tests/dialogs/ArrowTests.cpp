@@ -29,7 +29,10 @@ int ink(const QImage& img, int* foreign = nullptr) {
       const QRgb c = img.pixel(x, y);
       if (c == qRgb(255, 255, 255)) continue;
       ++n;
-      if (foreign && !(qRed(c) > qGreen(c) + 20 && qGreen(c) == qBlue(c))) ++*foreign;
+      if (foreign && !(qRed(c) > qGreen(c) && qGreen(c) == qBlue(c))) {
+        if (*foreign == 0) qWarning("foreign pixel %d,%d: %d %d %d", x, y, qRed(c), qGreen(c), qBlue(c));
+        ++*foreign;
+      }
     }
   return n;
 }

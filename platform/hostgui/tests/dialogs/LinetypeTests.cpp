@@ -76,7 +76,7 @@ private slots:
     }
     QCOMPARE(file.find("dashed")->data.patternLength, 0.75);
     QCOMPARE(file.find("ACAD_ISO02W100")->data.patternLength, 15.0);
-    QCOMPARE(file.find("ACAD_ISO15W100")->data.patternLength, 48.0);
+    QCOMPARE(file.find("ACAD_ISO15W100")->data.patternLength, 39.0);
   }
 
   void brokenLinesAreReportedByLine_data() {

@@ -104,7 +104,7 @@ private slots:
     QCOMPARE(QString::fromStdWString(h.db->undoGroupName().str()), QString("STYLE"));
     QVERIFY(h.reports.isEmpty());
     // Refused names, each with its reason; nothing is added.
-    const QStringList bad = {"standard", "a<b", " lead"};
+    const QStringList bad = {"standard", "a<b", "x|y"};
     for (const QString& name : bad) {
       h.answer = name;
       button(&h.dialog, "New...")->click();
@@ -121,13 +121,16 @@ private slots:
     h.answer = "Standard";
     button(&h.dialog, "Rename...")->click();
     QCOMPARE(h.reports.size(), 1);
-    h.db->undo();  // the rename
-    QVERIFY(!HostTextStyles(h.db.get()).idOf("Notes").isNull());
     // Standard can be neither renamed nor deleted.
     select(h.dialog, "Standard");
+    QCOMPARE(h.dialog.currentStyle(), QString("Standard"));
     QVERIFY(!button(&h.dialog, "Rename...")->isEnabled());
     QVERIFY(!button(&h.dialog, "Delete")->isEnabled());
     QVERIFY(!HostTextStyles(h.db.get()).whyNotDelete("Standard").isEmpty());
+    QVERIFY(!HostTextStyles(h.db.get()).rename("Standard", "Other").isEmpty());
+    h.db->undo();  // the rename, in one step
+    QVERIFY(!HostTextStyles(h.db.get()).idOf("Notes").isNull());
+    QVERIFY(HostTextStyles(h.db.get()).idOf("Labels").isNull());
   }
 
   void deleteRefusesStylesInUse() {
