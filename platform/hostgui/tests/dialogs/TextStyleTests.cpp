@@ -203,6 +203,41 @@ private slots:
     QVERIFY(HostTextStyles(back.get()).data("Standard") == s);
   }
 
+  void stylesReadBackFromSavedFilesOfEachVersion_data() {
+    QTest::addColumn<int>("version");
+    QTest::newRow("R12") << int(DxfVersion::R12);
+    QTest::newRow("R14") << int(DxfVersion::R14);
+    QTest::newRow("R2000") << int(DxfVersion::R2000);
+    QTest::newRow("R2018") << int(DxfVersion::R2018);
+  }
+  void stylesReadBackFromSavedFilesOfEachVersion() {
+    QFETCH(int, version);
+    OdDbDatabasePtr db = OdDbDatabase::createNew(static_cast<DxfVersion>(version));
+    HostTextStyles styles(db.get());
+    QVERIFY(styles.create("Labels", "Standard").isEmpty());
+    OdDbTextStyleData d = styles.data("LABELS");  // older versions store the name upper-cased
+    d.textSize = 3.5;
+    d.widthFactor = 0.8;
+    d.oblique = 0.25;
+    d.generation = 2;
+    d.flags = 4;
+    const bool typeface = version >= int(DxfVersion::R2000);
+    HostFontFiles::setFont(d, "Some Family", typeface);
+    QVERIFY(styles.apply("Labels", d).isEmpty());
+    const OdDbDatabasePtr back = OdDbDatabase::readDxf(db->toDxf());
+    const OdDbTextStyleData got = HostTextStyles(back.get()).data("Labels");
+    QCOMPARE(got.textSize, 3.5);
+    QCOMPARE(got.widthFactor, 0.8);
+    QVERIFY(std::abs(got.oblique - 0.25) < 1e-9);
+    QCOMPARE(got.generation, 2);
+    QCOMPARE(got.flags & 5, 4);
+    QCOMPARE(QString::fromStdWString(got.typeface.str()), typeface ? QString("Some Family") : QString());
+    // Without a typeface the family name is all that can name the font.
+    QCOMPARE(QString::fromStdWString(got.fontFile.str()), typeface ? QString() : QString("Some Family"));
+    QCOMPARE(QString::fromStdWString(HostTextStyles(back.get()).names().join(",").toStdWString()),
+             version >= int(DxfVersion::R2000) ? QString("Standard,Labels") : QString("STANDARD,LABELS"));
+  }
+
   void textPropsCommandOpensTheDialogOverItsCaller() {
     OdDbDatabasePtr db = OdDbDatabase::createNew();
     hostSetActiveDatabase(db.get());
