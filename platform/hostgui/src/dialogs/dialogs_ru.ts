@@ -397,7 +397,7 @@
     <message>
         <location filename="HostTextStyleDialog.cpp" line="55" />
         <source>&amp;Width factor:</source>
-        <translation>Степень рас<translation>&amp;Степень растяжения:</translation>amp;тяжения:</translation>
+        <translation>Степень рас&amp;тяжения:</translation>
     </message>
     <message>
         <location filename="HostTextStyleDialog.cpp" line="56" />
