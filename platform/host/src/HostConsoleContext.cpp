@@ -203,7 +203,10 @@ HostResult HostConsoleContext::selectObjects(const OdString& prompt, OdDbObjectI
         const std::string k = HostCommandLine::matchKeyword(t, keywords).value_or("");
         OdGePoint2d p, q;
         OdDbObjectId id;
-        if (k == "ALL") {
+        OdDbObjectIdArray picked;
+        if (selectionWord(t, picked)) {
+          add(picked);
+        } else if (k == "ALL") {
           add(hostSelectableEntities(db));
         } else if (k == "Last") {
           OdDbObjectIdArray all = hostSelectableEntities(db);

@@ -35,6 +35,13 @@ protected:
   // The prompt as shown, with the keyword list in place of "%s".
   static std::string promptText(const OdString& prompt, const HostKeywordList& keywords);
   HostCommandLine& commandLine() { return m_cl; }
+  // A word of a "Select objects" answer that the context understands beyond the
+  // console's (the window's objects picked in its view); true with what it selects.
+  virtual bool selectionWord(const std::string& word, OdDbObjectIdArray& found) {
+    (void)word;
+    (void)found;
+    return false;
+  }
   HostApDocManager& documents() { return m_documents; }
 
 private:

@@ -24,9 +24,14 @@ public:
 
   // True while a command waits for a line.
   bool waiting() const { return m_loop != nullptr; }
+  // True while "Command: " waits for the next command.
+  bool idle() const { return m_idle; }
   // Enters `line` as if typed and Enter pressed: the answer of a waiting prompt,
   // or a command at "Command: ".
   void submit(const QString& line);
+  // Answers a waiting prompt with `line` without showing it after the prompt:
+  // what the view picked, which the command's own reply describes.
+  void submitUnshown(const QString& line);
   // Escape: cancels a waiting prompt (the command unwinds), or clears the input.
   void cancel();
   // Ends every waiting prompt as the end of input does (the window closes).
@@ -65,4 +70,5 @@ private:
   QString m_answer;
   bool m_answered = false, m_ended = false;
   bool m_idle = false;     // "Command: " waits for the next command
+  bool m_unshown = false;  // the answer is not shown after its prompt
 };

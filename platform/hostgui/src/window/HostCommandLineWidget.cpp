@@ -113,6 +113,10 @@ void HostCommandLineWidget::showCommandPrompt() {
 
 void HostCommandLineWidget::submit(const QString& typed) {
   QString line = typed;
+  if (line == "\x1b" && !m_loop) {
+    cancel();
+    return;
+  }
   m_input->clear();
   m_walk = -1;
   if (!line.isEmpty() && line != "\x1b" && (m_entered.isEmpty() || m_entered.back() != line)) m_entered.push_back(line);
@@ -134,6 +138,14 @@ void HostCommandLineWidget::submit(const QString& typed) {
   emit commandEntered(m_lastCommand);
 }
 
+void HostCommandLineWidget::submitUnshown(const QString& line) {
+  if (!m_loop) return;
+  m_unshown = true;
+  m_answer = line;
+  m_answered = true;
+  m_loop->quit();
+}
+
 void HostCommandLineWidget::cancel() {
   if (m_loop) {
     submit(QStringLiteral("\x1b"));
@@ -141,8 +153,9 @@ void HostCommandLineWidget::cancel() {
   }
   m_input->clear();
   if (m_idle) {
+    // As a cancelled prompt shows it: the line ends, then the word.
     m_idle = false;
-    write("*Cancel*\n");
+    write("\n*Cancel*\n");
     showCommandPrompt();
   }
 }
@@ -162,7 +175,8 @@ bool HostCommandLineWidget::readLine(std::string& line) {
   if (!m_answered) return false;
   m_answered = false;
   // The line shows after its prompt as typed; Escape shows as the cancel does.
-  if (m_answer != "\x1b") write(m_answer.toStdString() + "\n");
+  if (m_unshown) m_unshown = false;
+  else if (m_answer != "\x1b") write(m_answer.toStdString() + "\n");
   else write("\n");
   line = m_answer.toStdString();
   return true;

@@ -17,6 +17,7 @@
 #include <QPushButton>
 #include <QSettings>
 #include <QStatusBar>
+#include <QStyle>
 #include <QTabWidget>
 #include <QThread>
 #include <QTimer>
@@ -671,13 +672,22 @@ void HostMainWindow::documentAdded(HostApDocument* doc) {
   // While a prompt waits for objects, what is picked in the view answers it.
   auto answer = [this](const OdDbObjectIdArray& ids) {
     if (!m_commandLine->waiting() || !m_context->wantsPicks() || ids.empty()) return false;
-    QStringList handles;
-    for (const auto& id : ids) handles << QString::fromStdWString(id.getHandle().ascii().str());
-    m_commandLine->submit(handles.join(' '));
+    if (m_context->wantsMany()) {
+      m_context->setViewPicks(ids);
+      m_commandLine->submitUnshown(HostWindowContext::kViewWord);
+    } else {
+      // One entity: its handle, shown as if typed.
+      m_commandLine->submit(QString::fromStdWString(ids.front().getHandle().ascii().str()));
+    }
     return true;
   };
-  connect(view, &HostDrawingView::picked, this, [answer](OdDbObjectId id) { answer({id}); });
-  connect(view, &HostDrawingView::windowSelected, this, [answer](const OdDbObjectIdArray& ids) { answer(ids); });
+  connect(view, &HostDrawingView::picked, this, [answer, view](OdDbObjectId id) {
+    // The pick answered a prompt: the prompt's reply says what was taken.
+    if (answer({id})) view->clearSelection();
+  });
+  connect(view, &HostDrawingView::windowSelected, this, [answer, view](const OdDbObjectIdArray& ids) {
+    if (answer(ids)) view->clearSelection();
+  });
   const int index = m_tabs->addTab(tab, fileTitle(doc));
   m_tabs->setTabToolTip(index, QString::fromStdString(doc->path));
   m_tabs->setCurrentIndex(index);

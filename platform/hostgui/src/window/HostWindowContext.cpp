@@ -39,6 +39,13 @@ HostResult HostWindowContext::selectObjects(const OdString& prompt, OdDbObjectId
       return kHostOk;
     }
   }
-  Picking picking(m_picking);
+  Picking picking(m_picking), selecting(m_selecting);
   return HostConsoleContext::selectObjects(prompt, ids);
+}
+
+bool HostWindowContext::selectionWord(const std::string& word, OdDbObjectIdArray& found) {
+  if (word != kViewWord) return false;
+  found = std::move(m_viewPicks);
+  m_viewPicks.clear();
+  return true;
 }

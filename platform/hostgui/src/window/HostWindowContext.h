@@ -17,12 +17,22 @@ public:
   void setPreselection(std::function<OdDbObjectIdArray()> get, std::function<void()> clear);
   // True while a prompt waits for entities, so that the view's picks answer it.
   bool wantsPicks() const { return m_picking > 0; }
+  // True while the prompt is "Select objects", which takes many at once.
+  bool wantsMany() const { return m_selecting > 0; }
+  // What the view picked, for the word kViewWord of the next answer.
+  void setViewPicks(OdDbObjectIdArray ids) { m_viewPicks = std::move(ids); }
+  static constexpr const char* kViewWord = "#view";
 
   HostResult getEntity(const OdString& prompt, OdDbObjectId& id) override;
   HostResult selectObjects(const OdString& prompt, OdDbObjectIdArray& ids) override;
 
+protected:
+  bool selectionWord(const std::string& word, OdDbObjectIdArray& found) override;
+
 private:
   std::function<OdDbObjectIdArray()> m_preselection;
+  OdDbObjectIdArray m_viewPicks;
+  int m_selecting = 0;
   std::function<void()> m_clearPreselection;
   int m_picking = 0;
 };
