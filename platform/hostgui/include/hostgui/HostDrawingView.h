@@ -90,6 +90,7 @@ private:
 
   QTransform m_view;
   bool m_zoomExtentsPending = true;  // until the widget has a size
+  bool m_atExtents = false;          // zoomed to the extents and not moved since
   bool m_dark = true;
   bool m_lineWeights = false;
 

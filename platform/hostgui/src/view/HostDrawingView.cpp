@@ -125,6 +125,7 @@ void HostDrawingView::zoomExtents() {
     return;
   }
   m_zoomExtentsPending = false;
+  m_atExtents = true;
   m_view = hostFitTransform(m_scene.extents(), QRectF(rect()), kMargin);
   viewChanged();
 }
@@ -132,6 +133,7 @@ void HostDrawingView::zoomExtents() {
 void HostDrawingView::setViewTransform(const QTransform& t) {
   m_view = t;
   m_zoomExtentsPending = false;
+  m_atExtents = false;
   viewChanged();
 }
 
@@ -220,7 +222,9 @@ void HostDrawingView::paintEvent(QPaintEvent*) {
 
 void HostDrawingView::resizeEvent(QResizeEvent* event) {
   QWidget::resizeEvent(event);
-  if (m_zoomExtentsPending) {
+  // A view at its extents stays there while the window settles (docks, tabs),
+  // until the user zooms or pans.
+  if (m_zoomExtentsPending || m_atExtents) {
     zoomExtents();
     return;
   }
@@ -237,12 +241,14 @@ void HostDrawingView::zoomAbout(const QPointF& at, double factor) {
   m_view = m_view * QTransform::fromTranslate(-at.x(), -at.y()) * QTransform::fromScale(factor, factor) *
            QTransform::fromTranslate(at.x(), at.y());
   m_zoomExtentsPending = false;
+  m_atExtents = false;
   viewChanged();
 }
 
 void HostDrawingView::pan(const QPointF& byPixels) {
   m_view *= QTransform::fromTranslate(byPixels.x(), byPixels.y());
   m_zoomExtentsPending = false;
+  m_atExtents = false;
   viewChanged();
 }
 

@@ -172,6 +172,10 @@ HostMainWindow::HostMainWindow(const std::vector<std::string>& modules, QWidget*
   if (QSettings settings; settings.contains("window/state")) {
     restoreGeometry(settings.value("window/geometry").toByteArray());
     restoreState(settings.value("window/state").toByteArray());
+  } else {
+    // The drawing gets the room; a few lines of history are enough to start with.
+    resizeDocks({m_commandDock}, {fontMetrics().height() * 9}, Qt::Vertical);
+    resizeDocks({m_paletteDock}, {fontMetrics().averageCharWidth() * 40}, Qt::Horizontal);
   }
 
   m_modules = std::make_unique<HostModules>([this](const std::string& problem) { m_commandLine->println(problem); });
