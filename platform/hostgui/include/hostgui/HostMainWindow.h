@@ -107,7 +107,6 @@ private:
   void showProgress(const char* what, std::size_t done, std::size_t total);
   void setLanguage(const QString& language);
 
-  std::unique_ptr<HostCommandLineWidget> m_commandLineOwner;
   HostCommandLineWidget* m_commandLine = nullptr;
   std::unique_ptr<HostSession> m_session;
   std::unique_ptr<HostWindowContext> m_context;
