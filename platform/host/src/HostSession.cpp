@@ -84,9 +84,12 @@ HostApDocument* HostSession::adopt(OdDbDatabasePtr db, const std::string& path) 
   return doc;
 }
 
-HostApDocument* HostSession::adoptNew(OdDbDatabasePtr db) {
-  HostApDocument* doc = m_docManager.addDocument(std::make_unique<HostApDocument>(db));
+HostApDocument* HostSession::newDrawing(DxfVersion version, bool metric) {
+  HostApDocument* doc =
+      m_docManager.addDocument(std::make_unique<HostApDocument>(OdDbDatabase::createNew(version, metric)));
   activeChanged();
+  m_cl.println(std::string("New ") + (metric ? "Metric" : "Imperial") + " drawing (" +
+               std::string(dxfver::keyword(version)) + ").");
   return doc;
 }
 
@@ -195,8 +198,7 @@ void HostSession::cmdNew() {
       version = *v;
       continue;
     }
-    adoptNew(OdDbDatabase::createNew(version, k == "Metric"));
-    m_cl.println("New " + k + " drawing (" + std::string(dxfver::keyword(version)) + ").");
+    newDrawing(version, k == "Metric");
     return;
   }
 }

@@ -26,8 +26,8 @@ public:
   // Makes a drawing read elsewhere (the window reads large files off its GUI
   // thread) an open document, the active one, reporting it as open() does.
   HostApDocument* adopt(OdDbDatabasePtr db, const std::string& path);
-  // A new drawing, made elsewhere, as the active document.
-  HostApDocument* adoptNew(OdDbDatabasePtr db);
+  // A new drawing as the active document, reported as NEW reports it.
+  HostApDocument* newDrawing(DxfVersion version, bool metric);
   // Writes the document, reporting on the command line; false when it failed.
   bool save(HostApDocument& doc, const std::string& path, const DxfSaveOptions& options);
   // Undoes up to `count` steps of the active drawing, naming each; false when

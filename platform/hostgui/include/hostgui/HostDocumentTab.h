@@ -3,6 +3,8 @@
 #pragma once
 
 #include <QWidget>
+#include <cstdint>
+#include <vector>
 
 #include "drawings/OdDbObjectId.h"
 
@@ -19,8 +21,10 @@ public:
   HostApDocument* document() const { return m_doc; }
   HostDrawingView* view() const { return m_view; }
   QTabBar* layoutTabs() const { return m_layouts; }
-  // Re-reads the layouts and redraws: the drawing changed.
-  void drawingChanged();
+  // Re-reads the layouts and redraws when the drawing changed since the last
+  // time; true when it did. Rebuilding a view costs a pass over every entity,
+  // so drawings that a command left alone are not drawn again.
+  bool refreshIfChanged();
 
 private:
   void fillLayouts();
@@ -29,4 +33,5 @@ private:
   HostDrawingView* m_view;
   QTabBar* m_layouts;
   std::vector<OdDbObjectId> m_layoutIds;  // per layout tab; null for model space
+  uint64_t m_shownChange;                  // the drawing's change count when last drawn
 };

@@ -6,7 +6,8 @@
 #include "host/HostApDocManager.h"
 #include "hostgui/HostDrawingView.h"
 
-HostDocumentTab::HostDocumentTab(HostApDocument* doc, QWidget* parent) : QWidget(parent), m_doc(doc) {
+HostDocumentTab::HostDocumentTab(HostApDocument* doc, QWidget* parent)
+    : QWidget(parent), m_doc(doc), m_shownChange(0) {
   m_view = new HostDrawingView(this);
   m_view->setObjectName("drawingView");
   m_layouts = new QTabBar(this);
@@ -20,6 +21,7 @@ HostDocumentTab::HostDocumentTab(HostApDocument* doc, QWidget* parent) : QWidget
   layout->addWidget(m_view, 1);
   layout->addWidget(m_layouts);
   setFocusProxy(m_view);
+  m_shownChange = doc->database()->changeCount();
   m_view->setDatabase(doc->database());
   fillLayouts();
   connect(m_layouts, &QTabBar::currentChanged, this, [this](int i) {
@@ -44,7 +46,11 @@ void HostDocumentTab::fillLayouts() {
   m_layouts->setCurrentIndex(it == m_layoutIds.end() ? 0 : static_cast<int>(it - m_layoutIds.begin()));
 }
 
-void HostDocumentTab::drawingChanged() {
+bool HostDocumentTab::refreshIfChanged() {
+  const uint64_t now = m_doc->database()->changeCount();
+  if (now == m_shownChange) return false;
+  m_shownChange = now;
   fillLayouts();
   m_view->drawingChanged();
+  return true;
 }

@@ -452,8 +452,12 @@ void HostMainWindow::run(const std::function<void()>& work) {
 }
 
 void HostMainWindow::drawingChanged() {
-  for (int i = 0; i < m_tabs->count(); ++i) static_cast<HostDocumentTab*>(m_tabs->widget(i))->drawingChanged();
-  m_palette->refresh();
+  bool activeChanged = false;
+  for (int i = 0; i < m_tabs->count(); ++i) {
+    auto* tab = static_cast<HostDocumentTab*>(m_tabs->widget(i));
+    if (tab->refreshIfChanged() && tab == currentTab()) activeChanged = true;
+  }
+  if (activeChanged) m_palette->refresh();
   updateTitles();
   updateActions();
 }
@@ -468,10 +472,7 @@ void HostMainWindow::fileNew() {
   if (!ok) return;
   const bool metric = choice == units[1];
   QSettings().setValue("newDrawing/metric", metric);
-  m_commandLine->println("Command: _NEW");
-  m_session->adoptNew(OdDbDatabase::createNew(DxfVersion::R2018, metric));
-  m_commandLine->println(std::string("New ") + (metric ? "Metric" : "Imperial") + " drawing (R2018).");
-  drawingChanged();
+  runFromMenu("_NEW", [this, metric] { m_session->newDrawing(DxfVersion::R2018, metric); });
 }
 
 void HostMainWindow::fileOpen() {
@@ -727,7 +728,8 @@ void HostMainWindow::tabChanged(int) {
 
 void HostMainWindow::selectionChanged() {
   HostDocumentTab* tab = currentTab();
-  m_palette->setDocument(tab ? tab->document() : nullptr);
+  HostApDocument* doc = tab ? tab->document() : nullptr;
+  if (m_palette->document() != doc) m_palette->setDocument(doc);
   m_palette->setSelection(tab ? tab->view()->selection() : OdDbObjectIdArray());
 }
 
