@@ -20,5 +20,6 @@ int main(int argc, char** argv) {
   failed += runLinetypeTests(argc, argv);
   failed += runArrowTests(argc, argv);
   failed += runTextStyleTests(argc, argv);
+  failed += runKeyboardTests(argc, argv);
   return failed;
 }

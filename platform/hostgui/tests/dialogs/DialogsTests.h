@@ -10,6 +10,7 @@ int runColorTests(int argc, char** argv);
 int runLinetypeTests(int argc, char** argv);
 int runArrowTests(int argc, char** argv);
 int runTextStyleTests(int argc, char** argv);
+int runKeyboardTests(int argc, char** argv);
 
 // Runs `act` on the modal dialog of type T once it is open (the code under test
 // runs its own exec()).

@@ -30,6 +30,7 @@
 #include "hostgui/HostDrawingView.h"
 #include "hostgui/HostMainWindow.h"
 #include "hostgui/HostPalette.h"
+#include "KeyboardCheck.h"
 
 extern "C" void* get_host_funcptr(int which) { return hostFuncPtr(which); }
 
@@ -157,6 +158,7 @@ private slots:
   void closingWithUnsavedChangesAsks();
   void openErrorLeavesWindowAsItWas();
   void menusHaveTextsInBothLanguages();
+  void everyControlNamedAndReachable();
 };
 
 void MainWindowTest::consoleSessionsRunUnchanged_data() {
@@ -401,6 +403,21 @@ void MainWindowTest::menusHaveTextsInBothLanguages() {
   QVERIFY2(changed > 10, qPrintable(QString::number(changed)));
   w.action("actionEnglish")->trigger();
   QTRY_COMPARE(w.action("actionOpen")->text(), QString("&Open..."));
+}
+
+void MainWindowTest::everyControlNamedAndReachable() {
+  HostMainWindow w;
+  w.show();
+  w.openFiles({SAMPLES_DIR "/dimstyles.dxf"});
+  w.waitForOpening();
+  w.currentTab()->view()->selectAll();
+  QVERIFY2(keyboard::unnamedControls(&w).isEmpty(), qPrintable(keyboard::unnamedControls(&w).join("\n")));
+  QVERIFY2(keyboard::unreachableByTab(&w).isEmpty(), qPrintable(keyboard::unreachableByTab(&w).join("\n")));
+  // The accelerators of the menus open them.
+  QTest::keyClick(&w, Qt::Key_F, Qt::AltModifier);
+  QTRY_VERIFY(QApplication::activePopupWidget());
+  QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Escape);
+  w.close();
 }
 
 QTEST_MAIN(MainWindowTest)
