@@ -9,6 +9,8 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QInputDialog>
+#include <QKeyEvent>
+#include <QLineEdit>
 #include <QLabel>
 #include <QMenuBar>
 #include <QMessageBox>
@@ -185,6 +187,8 @@ HostMainWindow::HostMainWindow(const std::vector<std::string>& modules, QWidget*
   for (const auto& m : modules) m_modules->load(m);
   updateActions();
   m_commandLine->showCommandPrompt();
+  // Commands are typed first thing.
+  m_commandLine->setFocus();
 }
 
 HostMainWindow::~HostMainWindow() {
@@ -377,6 +381,27 @@ void HostMainWindow::retranslate() {
   m_tabs->setAccessibleName(tr("Drawings"));
   m_coordinates->setAccessibleName(tr("Cursor coordinates"));
   updateTitles();
+}
+
+// Typing while a drawing has the focus goes to the command line, as CAD users
+// expect: a command's name, or Enter to repeat the last one. The view keeps its
+// own keys (arrows, + and -, Escape, Ctrl+A).
+bool HostMainWindow::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() != QEvent::KeyPress || !qobject_cast<HostDrawingView*>(watched))
+    return QMainWindow::eventFilter(watched, event);
+  auto* key = static_cast<QKeyEvent*>(event);
+  const QString text = key->text();
+  if (key->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier)) return false;
+  if (key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter) {
+    m_commandLine->submit(m_commandLine->input()->text());
+    return true;
+  }
+  if (text.size() == 1 && (text[0].isLetterOrNumber() || text[0] == '_')) {
+    m_commandLine->input()->setFocus();
+    m_commandLine->input()->insert(text);
+    return true;
+  }
+  return false;
 }
 
 void HostMainWindow::changeEvent(QEvent* event) {
@@ -672,6 +697,7 @@ void HostMainWindow::documentAdded(HostApDocument* doc) {
   HostDrawingView* view = tab->view();
   view->setBackgroundDark(action("actionDarkBackground")->isChecked());
   view->setShowLineweights(action("actionLineweights")->isChecked());
+  view->installEventFilter(this);
   connect(view, &HostDrawingView::selectionChanged, this, &HostMainWindow::selectionChanged);
   connect(view, &HostDrawingView::cursorMoved, this, &HostMainWindow::showCoordinates);
   // While a prompt waits for objects, what is picked in the view answers it.

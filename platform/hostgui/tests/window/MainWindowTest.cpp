@@ -159,6 +159,7 @@ private slots:
   void openErrorLeavesWindowAsItWas();
   void menusHaveTextsInBothLanguages();
   void everyControlNamedAndReachable();
+  void typingInTheViewGoesToTheCommandLine();
 };
 
 void MainWindowTest::consoleSessionsRunUnchanged_data() {
@@ -417,6 +418,34 @@ void MainWindowTest::everyControlNamedAndReachable() {
   QTest::keyClick(&w, Qt::Key_F, Qt::AltModifier);
   QTRY_VERIFY(QApplication::activePopupWidget());
   QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Escape);
+  w.close();
+}
+
+void MainWindowTest::typingInTheViewGoesToTheCommandLine() {
+  DiscardChanges discard;
+  HostMainWindow w({DDS_MODULE_PATH});
+  w.show();
+  w.openFiles({SAMPLES_DIR "/dimstyles.dxf"});
+  w.waitForOpening();
+  HostDrawingView* view = w.currentTab()->view();
+  QVERIFY(play(w, {[&] {
+                     view->setFocus();
+                     QTest::keyClicks(view, "DIMREGEN");
+                     QCOMPARE(w.commandLine()->input()->text(), QString("DIMREGEN"));
+                     QTest::keyClick(w.commandLine()->input(), Qt::Key_Return);
+                   },
+                   [&] { QTest::keyClick(w.commandLine()->input(), Qt::Key_Return); },
+                   // Enter in the view repeats the last command.
+                   [&] {
+                     view->setFocus();
+                     QTest::keyClick(view, Qt::Key_Return);
+                   },
+                   [&] { QTest::keyClick(w.commandLine()->input(), Qt::Key_Return); }}));
+  QCOMPARE(w.commandLine()->historyText().count("recomputed."), 2);
+  // The view's own keys stay the view's.
+  view->setFocus();
+  QTest::keyClick(view, Qt::Key_Minus);
+  QVERIFY(w.commandLine()->input()->text().isEmpty());
   w.close();
 }
 
