@@ -418,6 +418,15 @@ void MainWindowTest::everyControlNamedAndReachable() {
   QTest::keyClick(&w, Qt::Key_F, Qt::AltModifier);
   QTRY_VERIFY(QApplication::activePopupWidget());
   QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Escape);
+  // F1 opens the help at the window's page.
+  QTest::keyClick(w.commandLine()->input(), Qt::Key_F1);
+  QWidget* help = nullptr;
+  QTRY_VERIFY((help = [] {
+    for (QWidget* t : QApplication::topLevelWidgets())
+      if (t->isVisible() && t->objectName().contains("help", Qt::CaseInsensitive)) return t;
+    return static_cast<QWidget*>(nullptr);
+  }()));
+  help->close();
   w.close();
 }
 
