@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "host/HostFuncPtr.h"
+#include "host/HostSampleDb.h"
 
 namespace {
 HostApDocManager* g_manager = nullptr;
@@ -77,6 +78,7 @@ void HostApDocManager::closeDocument(HostApDocument* document) {
   // Taken out of the list before it is destroyed, so the list never holds a dying document.
   std::unique_ptr<HostApDocument> closing = std::move(*it);
   m_documents.erase(it);
+  hostDropSampleDb(document->database());
   if (wasActive) activateDocument(m_documents.empty() ? nullptr : m_documents.back().get());
 }
 
@@ -87,6 +89,7 @@ void HostApDocManager::closeAll() {
     if (m_active == doc) m_active = nullptr;
     std::unique_ptr<HostApDocument> closing = std::move(m_documents.back());
     m_documents.pop_back();
+    hostDropSampleDb(doc->database());
   }
 }
 

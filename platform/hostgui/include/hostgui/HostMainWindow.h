@@ -102,6 +102,9 @@ private:
   void documentActivated(HostApDocument* doc);
   void tabChanged(int index);
   void selectionChanged();
+  // Redraws the drawings that changed, and the palette when `palette` and the
+  // active drawing changed; titles and menus always.
+  void refreshDrawings(bool palette);
   void updateTitles();
   void updateActions();
   void showCoordinates(double x, double y);

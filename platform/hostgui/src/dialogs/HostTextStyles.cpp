@@ -166,14 +166,16 @@ namespace {
 template <class F>
 QString undoStep(OdDbDatabase* db, const wchar_t* name, F change) {
   db->beginUndoGroup(name);
-  QString error;
+  // Closed however the change ends, so that no later change joins this step.
+  struct Close {
+    OdDbDatabase* db;
+    ~Close() { db->endUndoGroup(); }
+  } close{db};
   try {
-    error = change();
+    return change();
   } catch (const OdError& e) {
-    error = QString::fromStdString(e.what());
+    return QString::fromStdString(e.what());
   }
-  db->endUndoGroup();
-  return error;
 }
 }  // namespace
 

@@ -114,6 +114,8 @@ void HostPalette::setDocument(HostApDocument* document) {
 }
 
 void HostPalette::setSelection(const OdDbObjectIdArray& ids) {
+  // Activating a tab hands the same selection again.
+  if (ids == m_selection && !ids.empty()) return;
   m_selection = ids;
   showMessage(QString());
   rebuildFilter();

@@ -1,5 +1,7 @@
 #include "hostgui/HostPaletteModel.h"
 
+#include <QScopedValueRollback>
+
 #include <QCoreApplication>
 #include <algorithm>
 
@@ -165,9 +167,10 @@ QModelIndex HostPaletteModel::find(const QString& category, const QString& label
 HostResult HostPaletteModel::setValue(const QModelIndex& index, const QString& text) {
   Row* row = rowOf(index);
   if (!row || row->bound.empty()) return kHostInvalidArg;
-  ++m_writing;
   HostResult result = kHostOk;
   {
+    // Counted back however the write ends, or refresh() would wait for ever.
+    QScopedValueRollback<int> writing(m_writing, m_writing + 1);
     // Properties of one name for several classes write as one step: their own
     // brackets join this one.
     std::unique_ptr<HostPropertyChange> change;
@@ -178,7 +181,6 @@ HostResult HostPaletteModel::setValue(const QModelIndex& index, const QString& t
       if (result != kHostOk) break;
     }
   }
-  --m_writing;
   row->read();
   emit dataChanged(index.siblingAtColumn(kLabelColumn), index.siblingAtColumn(kValueColumn));
   emit written();

@@ -32,7 +32,6 @@
 #include "host/HostEditorReactor.h"
 #include "host/HostGeneralProperties.h"
 #include "host/HostModules.h"
-#include "host/HostSampleDb.h"
 #include "host/HostServices.h"
 #include "host/HostSession.h"
 #include "host/HostUnits.h"
@@ -153,7 +152,8 @@ HostMainWindow::HostMainWindow(const std::vector<std::string>& modules, QWidget*
   m_paletteDock->setObjectName("paletteDock");
   m_paletteDock->setWidget(m_palette);
   addDockWidget(Qt::LeftDockWidgetArea, m_paletteDock);
-  connect(m_palette, &HostPalette::drawingChanged, this, &HostMainWindow::drawingChanged);
+  // The palette has re-read its own rows; only the views and titles follow.
+  connect(m_palette, &HostPalette::drawingChanged, this, [this] { refreshDrawings(false); });
 
   m_coordinates = new QLabel(this);
   m_coordinates->setObjectName("coordinates");
@@ -476,13 +476,15 @@ void HostMainWindow::run(const std::function<void()>& work) {
   for (auto& a : pending) a();
 }
 
-void HostMainWindow::drawingChanged() {
+void HostMainWindow::drawingChanged() { refreshDrawings(true); }
+
+void HostMainWindow::refreshDrawings(bool palette) {
   bool activeChanged = false;
   for (int i = 0; i < m_tabs->count(); ++i) {
     auto* tab = static_cast<HostDocumentTab*>(m_tabs->widget(i));
     if (tab->refreshIfChanged() && tab == currentTab()) activeChanged = true;
   }
-  if (activeChanged) m_palette->refresh();
+  if (activeChanged && palette) m_palette->refresh();
   updateTitles();
   updateActions();
 }
@@ -728,7 +730,6 @@ void HostMainWindow::documentAdded(HostApDocument* doc) {
 }
 
 void HostMainWindow::documentClosing(HostApDocument* doc) {
-  hostDropSampleDb(doc->database());
   m_savedAt.erase(doc);
   if (HostDocumentTab* tab = tabOf(doc)) {
     m_tabs->removeTab(m_tabs->indexOf(tab));
