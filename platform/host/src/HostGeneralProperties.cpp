@@ -53,7 +53,12 @@ std::optional<int> parseInt(const std::wstring& text) {
   return v;
 }
 
-const wchar_t* const kColorNames[] = {L"red", L"yellow", L"green", L"cyan", L"blue", L"magenta", L"white"};
+// The colours with names of their own: index 1 to 7, named as the drawing library names them.
+OdCmColor namedColor(int index) {
+  OdCmColor c;
+  c.setColorIndex(static_cast<int16_t>(index));
+  return c;
+}
 
 const OdDb::LineWeight kStandardWeights[] = {
     OdDb::kLnWt000, OdDb::kLnWt005, OdDb::kLnWt009, OdDb::kLnWt013, OdDb::kLnWt015, OdDb::kLnWt018,
@@ -247,7 +252,7 @@ OdString formatScale(const double& v) {
 
 OdString colorList(const OdDbDatabase&) {
   OdString list = L"ByLayer\tByBlock\t";
-  for (const wchar_t* name : kColorNames) list += OdString(name) + L"\t";
+  for (int i = 1; i <= 7; ++i) list += namedColor(i).colorNameForDisplay() + L"\t";
   return list;
 }
 
@@ -336,11 +341,9 @@ OdString hostEntityTypeName(const OdDbObject& object) {
 }
 
 OdString hostColorText(const OdCmColor& color) {
-  if (color.isByACI()) {
-    const int index = color.colorIndex();
-    if (index >= 1 && index <= 7) return OdString(kColorNames[index - 1]);
-    return OdString::format(L"Index %d", index);
-  }
+  // A bare number would read as an amount; other indices say what they are.
+  if (color.isByACI() && (color.colorIndex() < 1 || color.colorIndex() > 7))
+    return OdString::format(L"Index %d", int{color.colorIndex()});
   return color.colorNameForDisplay();
 }
 
@@ -355,10 +358,9 @@ bool hostParseColorText(const OdString& text, OdCmColor& color) {
     color = OdCmColor(OdCmEntityColor::kByBlock);
     return true;
   }
-  for (int i = 0; i < 7; ++i)
-    if (sameName(s, kColorNames[i])) {
-      c.setColorIndex(static_cast<int16_t>(i + 1));
-      color = c;
+  for (int i = 1; i <= 7; ++i)
+    if (sameName(s, namedColor(i).colorNameForDisplay().c_str())) {
+      color = namedColor(i);
       return true;
     }
   std::wstring number = s;
